@@ -1,0 +1,102 @@
+#pragma once
+
+#include "generation.h"
+#include "graphicsengine.h"
+#include "picture.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace controller {
+
+// One chip-select bracket as it crossed the bus.
+struct Transaction {
+    Nanoseconds start = 0;
+    Nanoseconds end = 0;
+    std::vector<std::uint8_t> sent;
+    std::vector<std::uint8_t> received; // as many as sent
+};
+
+// Called from inside the bus door and advance(), on the caller's thread. An observer must not
+// call back into the controller except through the const back door.
+class Observer {
+public:
+    virtual ~Observer() = default;
+    // A frame has been scanned; `number` counts up from 1 since power-on (REG_FRAMES).
+    virtual void frameScanned(std::uint32_t /*number*/, Nanoseconds /*now*/) {}
+    // The list shown from now on is a new one (host swap or coprocessor animation).
+    virtual void listSwapped(Nanoseconds /*now*/) {}
+    virtual void transactionEnded(const Transaction& /*transaction*/) {}
+    // Something the chip would not accept: an unknown command, word, register or a fault.
+    virtual void complained(const std::string& /*text*/) {}
+};
+
+// What the panel behind the chip looks like from outside.
+struct PanelState {
+    bool scanning = false;      // powered, and the pixel clock runs
+    bool displayOn = false;     // the DISP line is driven high
+    int backlight = 128;        // 0 dark .. 128 full
+    double framesPerSecond = 0; // of the scan; 0 while nothing is scanned
+};
+
+struct Options {
+    std::size_t flashSize = 0; // bytes behind an E3 controller; 0: no flash chip fitted
+};
+
+// A software model of the display controller with its panel.
+//
+// Two doors: the bus door takes exactly what the host's wires do; the back door is for tests,
+// scripts and viewers. Time is an argument everywhere. Not thread-safe: one thread at a time.
+class Controller {
+public:
+    explicit Controller(Generation generation, const Options& options = {});
+    ~Controller();
+    Controller(const Controller&) = delete;
+    Controller& operator=(const Controller&) = delete;
+
+    // --- bus door
+    void setPowerDown(bool high, Nanoseconds now);  // PD pin: low holds the chip in power-down
+    void setChipSelect(bool high, Nanoseconds now); // CS pin: low selects the chip
+    std::uint8_t exchange(std::uint8_t sent, Nanoseconds now); // one byte, full duplex
+
+    // Brings the model up to `now`: frames, swaps, animations, touch. Every bus-door call does
+    // this too.
+    void advance(Nanoseconds now);
+
+    // --- back door
+    Generation generation() const;
+    void setObserver(Observer* observer); // not owned; null for none
+
+    void touch(int x, int y); // the finger is at panel pixel (x, y) from the next frame on
+    void release();
+
+    PanelState panel() const;
+    // What the list now shown draws, whatever the backlight does. Drawn on demand.
+    const Frame& frame() const;
+    std::uint32_t framesScanned() const;
+    std::uint32_t listsSwapped() const;
+
+    std::uint8_t peek8(std::uint32_t address) const; // without side effects on the chip
+    std::uint32_t peek32(std::uint32_t address) const;
+    // Text of the strings on the panel, top to bottom, left to right; a run of characters of one
+    // font on one line is one string.
+    std::vector<std::string> textOnPanel() const;
+    // How often the host has read REG_TOUCH_TAG, and its value at the last read.
+    std::uint32_t touchTagReads() const;
+
+    // --- faults, on request
+    void setIdentity(std::uint32_t chipId); // the word at 0x0C0000 instead of the generation's own
+    void setAnswering(bool answering);      // false: every read gives 0, as with no chip fitted
+
+    // The flash chip's content (empty without one), for tests and scripts.
+    std::vector<std::uint8_t>& flash();
+
+private:
+    class Chip;
+    std::unique_ptr<Chip> m_chip;
+};
+
+} // namespace controller

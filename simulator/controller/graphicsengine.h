@@ -1,0 +1,58 @@
+#pragma once
+
+#include "generation.h"
+#include "graphicsmemory.h"
+#include "picture.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace controller {
+
+// Words in display-list memory.
+constexpr std::size_t displayListWords = 2048;
+
+// A bitmap vertex drawn from a ROM font: what the panel says, for whoever wants to read it.
+struct DrawnCharacter {
+    int x = 0; // left edge, pixels
+    int y = 0; // top edge, pixels
+    std::uint8_t handle = 0;
+    std::uint8_t cell = 0; // the character code
+};
+
+// What scanning one display list gives.
+struct Frame {
+    Picture picture;
+    std::vector<std::uint8_t> tags; // one per pixel, laid out like the picture
+    std::vector<DrawnCharacter> characters;
+    std::vector<std::string> complaints; // malformed or unknown words, one line each
+};
+
+// The part of the chip that walks a display list and draws it: state machine, context stack and
+// rasteriser. It works with integers only, so a frame is the same bit for bit on every machine.
+class GraphicsEngine {
+public:
+    explicit GraphicsEngine(Generation generation);
+    ~GraphicsEngine();
+    GraphicsEngine(const GraphicsEngine&) = delete;
+    GraphicsEngine& operator=(const GraphicsEngine&) = delete;
+
+    // Power-on state: handles 16 to 31 are the ROM fonts, the others empty. Bitmap handles are
+    // the only state that outlives a frame.
+    void reset();
+
+    // Draws the list of `displayListWords` words into `frame` (reusing its storage), `width` x
+    // `height` pixels. `macros` are the words in the two macro registers.
+    void scan(const std::uint32_t* list, const GraphicsMemory& memory,
+              const std::array<std::uint32_t, 2>& macros, int width, int height, Frame& frame);
+
+private:
+    class State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace controller
