@@ -5,10 +5,11 @@
 // of their own and shown to any program that is started with environment(). What such a program
 // does to them arrives as calls of Wires, in the order in which the program did it.
 
+#include "testbed.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,12 +35,6 @@ public:
     virtual void transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) = 0;
 };
 
-// The board cannot be built; what() names the thing and the mend.
-class BoardError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
 // Faults that a board can be built with.
 struct Options {
     bool spiNode = true;               // false: there is no "/dev/spidev2.0"
@@ -54,7 +49,9 @@ struct Traffic {
 
 class VirtualBoard {
 public:
-    // `wires` must outlive the board. Throws BoardError.
+    // `wires` must outlive the board. Throws BoardError. Programs started from the thread that
+    // builds the board do their SPI messages half as fast again as others: their timer slack is
+    // set to the least.
     explicit VirtualBoard(Wires& wires, const Options& options = {});
     VirtualBoard(const VirtualBoard&) = delete;
     VirtualBoard& operator=(const VirtualBoard&) = delete;
