@@ -16,18 +16,18 @@ struct Gpu_Hal_Context_t;
 // --- command buffer (App_Common.cpp)
 
 // The buffer counts as full from this many bytes on.
-constexpr uint32_t APP_CMD_BUFFER_SIZE = 4096;
+constexpr uint32_t cmdBufferSize = 4096;
 // A string that starts in the buffer may run past its end by this much; a longer one is cut.
-constexpr uint32_t APP_CMD_BUFFER_OVERRUN = 512;
-constexpr uint32_t APP_DL_BUFFER_SIZE = 8192;
+constexpr uint32_t cmdBufferOverrun = 512;
+constexpr uint32_t dlBufferSize = 8192;
 
 // Pending coprocessor stream, and the bytes of it in use (a multiple of 4).
-extern std::array<uint8_t, APP_CMD_BUFFER_SIZE + APP_CMD_BUFFER_OVERRUN> CmdBuffer;
+extern std::array<uint8_t, cmdBufferSize + cmdBufferOverrun> CmdBuffer;
 extern uint32_t CmdBuffer_Index;
 
 // Pending display-list words, and the bytes of them in use. The index counts on past the buffer's
 // size when words had to be dropped.
-extern std::array<uint8_t, APP_DL_BUFFER_SIZE> DlBuffer;
+extern std::array<uint8_t, dlBufferSize> DlBuffer;
 extern uint32_t DlBuffer_Index;
 
 // Appends one word of the coprocessor stream. A full buffer is first sent, without waiting for the

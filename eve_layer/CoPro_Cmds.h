@@ -133,8 +133,9 @@ void Gpu_CoCmd_GetPoint(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int32_t s
 
 // --- bitmaps and their transform
 
-// Each of the first three changes the coprocessor's matrix; Gpu_CoCmd_SetMatrix() writes it to the
-// display list. Distances and factors are 16.16; angles count 65536 a turn, clockwise.
+// The first four change the coprocessor's matrix; what is given last acts on the picture first.
+// Gpu_CoCmd_SetMatrix() writes the matrix to the display list. Distances and factors are 16.16;
+// angles count 65536 a turn, clockwise.
 void Gpu_CoCmd_LoadIdentity(Gpu_Hal_Context_t* host);
 void Gpu_CoCmd_Translate(Gpu_Hal_Context_t* host, int32_t tx, int32_t ty);
 void Gpu_CoCmd_Scale(Gpu_Hal_Context_t* host, int32_t sx, int32_t sy);
