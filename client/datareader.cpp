@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
 namespace {
@@ -23,6 +22,8 @@ constexpr double minTimeConst = 0.01; // seconds
 constexpr double maxTimeConst = 10.0; // seconds
 // From this interval on a poll need not be punctual to the millisecond.
 constexpr int coarseTimerFromMs = 2000;
+// 23 days. Qt's coarse timers overflow when they round an interval close to the largest int.
+constexpr double longestIntervalMs = 2e9;
 
 const QString paramsCommand = QStringLiteral("PARAMS?\n");
 const QString dataCommand = QStringLiteral("DATA?\n");
@@ -170,8 +171,7 @@ int DataReader::pollIntervalMs() const {
     const double intervalMs = m_params.timeConst * 1000.0;
     if (!(intervalMs > 0.0)) // also not a number
         return 0;
-    return static_cast<int>(
-        std::min(intervalMs, static_cast<double>(std::numeric_limits<int>::max())));
+    return static_cast<int>(std::min(intervalMs, longestIntervalMs));
 }
 
 void DataReader::armUpdateData() {

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QThread>
+
+#include <vector>
+
+class QTcpServer;
+class QTcpSocket;
+
+// A server on 127.0.0.1:9800 that answers as a test tells it to, on a thread of its own, so that
+// the test may block in the client meanwhile. Every call waits until that thread has done it.
+class ScriptedServer {
+public:
+    ScriptedServer();
+    ~ScriptedServer();
+    ScriptedServer(const ScriptedServer&) = delete;
+    ScriptedServer& operator=(const ScriptedServer&) = delete;
+
+    // Answers requests whose first word is `command` with `replies`, one after the other, and then
+    // with the last of them for ever. An empty reply is none, and so is every other command's.
+    void answer(const QByteArray& command, const QList<QByteArray>& replies);
+    // Sends `bytes` without being asked.
+    void send(const QByteArray& bytes);
+    void hangUp();
+    // Leaves what the client sends in the network until told otherwise.
+    void setReading(bool on);
+
+    // The requests so far, each with its line feed.
+    std::vector<QByteArray> requests();
+    // Waits until there are `count` requests, for up to ten seconds, and returns them all.
+    std::vector<QByteArray> waitForRequests(std::size_t count);
+    // How many connections have been made so far.
+    int connections();
+
+private:
+    template<typename Function>
+    void onThread(Function function);
+    void listen();
+    void accept();
+    void read();
+
+    QThread m_thread;
+    QObject m_context; // lives on m_thread, as all that follows
+    QTcpServer* m_server = nullptr;
+    QTcpSocket* m_client = nullptr;
+    QByteArray m_pending;
+    QHash<QByteArray, QList<QByteArray>> m_replies;
+    std::vector<QByteArray> m_requests;
+    int m_connections = 0;
+};
