@@ -1,0 +1,48 @@
+#pragma once
+
+#include "App_Common.h"
+#include "Gpu_Hal.h"
+#include "commandlisting.h"
+#include "displaysettings.h"
+#include "recordingboard.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+// A screen in front of an idle EVE_3 controller on the recording board.
+class ScreenTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t regTouchTag = 0x30212C;
+    static constexpr std::uint32_t regCmdDl = 0x302100;
+
+    ScreenTest() {
+        DisplaySettings::getInstance()->setDisplayGeneration(DisplaySettings::EVE_3);
+        App_Set_CmdBuffer_Index(0);
+        board.reset();
+        board.poke(regCmdDl, 456); // the size of every static display list
+    }
+
+    // What a finger is on from now on; 0 or 255: nothing.
+    static void touch(std::uint32_t tag) { board.poke(regTouchTag, tag); }
+
+    // What has reached the coprocessor since the last call.
+    static std::string drawn() {
+        const std::string listing = listCommands(board.commandWords());
+        board.clearRecord();
+        return listing;
+    }
+
+    // The frame of a screen on which setup() has drawn `picture`.
+    static std::string staticFrame(const std::string& picture) {
+        return "DLSTART\n" + picture + "MEMCPY 100000 3145728 456\nDISPLAY\nSWAP\n";
+    }
+
+    // The frame that a redraw makes of what updateGUI() has drawn.
+    static std::string redraw(const std::string& picture) {
+        return "DLSTART\nAPPEND 100000 456\n" + picture + "DISPLAY\nSWAP\n";
+    }
+
+    Gpu_Hal_Context_t host;
+};

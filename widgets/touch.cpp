@@ -1,0 +1,10 @@
+#include "touch.h"
+
+#include "Gpu_Hal.h"
+#include "displaysettings.h"
+
+int readTouchTag(Gpu_Hal_Context_t* host) {
+    constexpr int untagged = 255;
+    const int tag = Gpu_Hal_Rd8(host, EVE_REG("__REG_TOUCH_TAG"));
+    return tag == untagged ? noTouch : tag;
+}
