@@ -1,0 +1,70 @@
+// The front panel: brings the display up, connects to the measurement server and lets the user move
+// between the screens. Everything lives on the frame of main().
+
+#include "App_Common.h"
+#include "Gpu_Hal.h"
+#include "counterwidget.h"
+#include "datareader.h"
+#include "errorwidget.h"
+#include "logowidget.h"
+#include "optionwidget.h"
+#include "platform.h"
+#include "pnrwidget.h"
+#include "screenflow.h"
+#include "startup.h"
+#include "waitforserver.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr uint32_t waitScreenMs = 1000;
+
+// Does not return, and so tears nothing down: the picture stays on the display.
+[[noreturn]] void giveUp(Gpu_Hal_Context_t* host) {
+    qDebug() << "Can't connect to server";
+    ErrorWidget error(host);
+    error.exec();
+    std::exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    registerRecords();
+    qDebug() << "Start client application";
+    detectController();
+    platform_spi_deinit();
+
+    Gpu_Hal_Context_t host;
+    App_Common_Init(&host);
+    writeTouchTransform(&host);
+
+    LogoWidget logo(&host);
+    logo.exec();
+    WaitForServer wait(&host);
+    wait.exec();
+    Gpu_Hal_Sleep(waitScreenMs);
+
+    DataReader client;
+    if (!connectToServer(client)) {
+        giveUp(&host);
+    }
+    client.updateParams();
+
+    CounterWidget counter(&host);
+    PNRWidget histogram(&host);
+    bool returnToCounter = false;
+    connectToClient(counter, client);
+    connectToClient(histogram, client);
+    connectMeasurementScreens(counter, histogram, client, returnToCounter);
+    OptionWidget options(&host, &client);
+    connectOptionsScreen(counter, histogram, options, returnToCounter);
+
+    counter.exec();
+    return QCoreApplication::exec();
+}

@@ -1,0 +1,47 @@
+#include "startup.h"
+
+#include "Gpu_Hal.h"
+#include "datareader.h"
+#include "displaysettings.h"
+
+#include <QDebug>
+
+namespace {
+
+constexpr int connectionAttempts = 10;
+constexpr uint32_t retryPauseMs = 1000;
+
+} // namespace
+
+void registerRecords() {
+    qRegisterMetaType<DataReaderData>("DataReaderData");
+    qRegisterMetaType<DataReaderParams>("DataReaderParams");
+}
+
+void detectController() {
+    DisplaySettings* const settings = DisplaySettings::getInstance();
+    settings->autoDetectDisplayGeneration();
+    qDebug() << "Display Settings done!!!" << static_cast<int>(settings->getDisplayGeneration());
+}
+
+void writeTouchTransform(Gpu_Hal_Context_t* host) {
+    const auto write = [host](uint32_t address, int32_t value) {
+        Gpu_Hal_Wr32(host, address, static_cast<uint32_t>(value));
+    };
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_A"), 24916);
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_B"), 0);
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_C"), -591770);
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_D"), 372);
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_E"), 22707);
+    write(EVE_REG("__REG_TOUCH_TRANSFORM_F"), 10494);
+}
+
+bool connectToServer(DataReader& client) {
+    for (int attempt = 0; attempt < connectionAttempts; ++attempt) {
+        if (client.connectToServer()) {
+            return true;
+        }
+        Gpu_Hal_Sleep(retryPauseMs);
+    }
+    return false;
+}
