@@ -23,6 +23,7 @@ protected:
         Gpu_Hal_Open(&host);
         App_Set_CmdBuffer_Index(0);
         App_Set_DlBuffer_Index(0);
+        CmdBuffer.fill(0); // so that the pad of strings is known
         use(DisplaySettings::EVE_3);
         board.clearRecord();
     }
