@@ -1,0 +1,259 @@
+#include "pixelpipeline.h"
+
+#include "pixelmath.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace controller {
+
+namespace {
+
+bool passes(std::uint32_t function, std::uint32_t value, std::uint32_t reference) {
+    switch (function) {
+    case test::Never:
+        return false;
+    case test::Less:
+        return value < reference;
+    case test::LessOrEqual:
+        return value <= reference;
+    case test::Greater:
+        return value > reference;
+    case test::GreaterOrEqual:
+        return value >= reference;
+    case test::Equal:
+        return value == reference;
+    case test::NotEqual:
+        return value != reference;
+    default:
+        return true;
+    }
+}
+
+std::uint32_t afterStencilOp(std::uint32_t operation, std::uint32_t value,
+                             std::uint32_t reference) {
+    switch (operation) {
+    case stencilop::Zero:
+        return 0;
+    case stencilop::Replace:
+        return reference;
+    case stencilop::Increment:
+        return std::min(value + 1, 255U);
+    case stencilop::Decrement:
+        return value == 0 ? 0 : value - 1;
+    case stencilop::Invert:
+        return ~value & 255;
+    case stencilop::IncrementWrapping:
+        return (value + 1) & 255;
+    case stencilop::DecrementWrapping:
+        return (value - 1) & 255;
+    default:
+        return value;
+    }
+}
+
+std::uint32_t blendFactor(std::uint32_t factor, std::uint32_t sourceAlpha,
+                          std::uint32_t destinationAlpha) {
+    switch (factor) {
+    case blend::One:
+        return opaque;
+    case blend::SrcAlpha:
+        return sourceAlpha;
+    case blend::DstAlpha:
+        return destinationAlpha;
+    case blend::OneMinusSrcAlpha:
+        return opaque - sourceAlpha;
+    case blend::OneMinusDstAlpha:
+        return opaque - destinationAlpha;
+    default:
+        return 0;
+    }
+}
+
+// Nothing but the usual blend into all channels.
+bool isPlain(const GraphicsState& state) {
+    return state.alphaFunction == test::Always && state.stencilFunction == test::Always &&
+           state.stencilPass == stencilop::Keep && state.blendSource == blend::SrcAlpha &&
+           state.blendDestination == blend::OneMinusSrcAlpha && state.colorMask == 0xFFFFFFFF;
+}
+
+} // namespace
+
+PixelPipeline::PixelPipeline(Frame& frame, int width, int height)
+    : m_frame(frame), m_width(std::max(width, 0)), m_height(std::max(height, 0)) {
+    const std::size_t area = offset(0, m_height);
+    frame.picture.width = m_width;
+    frame.picture.height = m_height;
+    frame.picture.pixels.assign(area, 0);
+    frame.tags.assign(area, 0);
+    m_stencil.assign(area, 0);
+    m_pixels = frame.picture.pixels.data();
+    m_tags = frame.tags.data();
+}
+
+void PixelPipeline::use(const GraphicsState& state) {
+    m_state = &state;
+    m_plain = isPlain(state);
+    const Scissor& scissor = state.scissor;
+    m_clip = {scissor.x, scissor.y, std::min(scissor.x + scissor.width, m_width),
+              std::min(scissor.y + scissor.height, m_height)};
+}
+
+void PixelPipeline::clear(bool color, bool stencil, bool tag) {
+    if (m_clip.empty()) {
+        return;
+    }
+    const auto count = static_cast<std::size_t>(m_clip.right - m_clip.left);
+    const std::uint32_t mask = m_state->colorMask;
+    const std::uint32_t stencilMask = m_state->stencilWriteMask;
+    for (int y = m_clip.top; y < m_clip.bottom; ++y) {
+        const std::size_t first = offset(m_clip.left, y);
+        if (color && mask == 0xFFFFFFFF) {
+            std::fill_n(m_pixels + first, count, m_state->clearColor);
+        } else if (color) {
+            for (std::size_t i = first; i < first + count; ++i) {
+                m_pixels[i] = (m_pixels[i] & ~mask) | (m_state->clearColor & mask);
+            }
+        }
+        if (stencil) {
+            for (std::size_t i = first; i < first + count; ++i) {
+                m_stencil[i] = static_cast<std::uint8_t>((m_stencil[i] & ~stencilMask) |
+                                                         (m_state->clearStencil & stencilMask));
+            }
+        }
+        if (tag && m_state->tagging) {
+            std::memset(m_tags + first, m_state->clearTag, count);
+        }
+    }
+}
+
+void PixelPipeline::fill(int y, int left, int right) {
+    if (left >= right) {
+        return;
+    }
+    const std::size_t first = offset(left, y);
+    const auto count = static_cast<std::size_t>(right - left);
+    const std::uint32_t color = m_state->color;
+    if (!m_plain) {
+        for (std::size_t i = first; i < first + count; ++i) {
+            drawFragment(i, color);
+        }
+        return;
+    }
+    if (alphaOf(color) == opaque) {
+        std::fill_n(m_pixels + first, count, color);
+    } else {
+        const std::uint64_t source = spread(color);
+        for (std::size_t i = first; i < first + count; ++i) {
+            m_pixels[i] = blended(m_pixels[i], source, alphaOf(color));
+        }
+    }
+    fillTags(first, count);
+}
+
+void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t* coverage) {
+    const std::size_t first = offset(left, y);
+    const std::uint32_t color = m_state->color;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (coverage[i] == 0) {
+            continue;
+        }
+        const std::uint32_t alpha = multiplied(alphaOf(color), coverage[i]);
+        const std::uint32_t source = withAlpha(color, alpha);
+        if (!m_plain) {
+            drawFragment(first + i, source);
+            continue;
+        }
+        m_pixels[first + i] = blended(m_pixels[first + i], spread(source), alpha);
+        if (m_state->tagging) {
+            m_tags[first + i] = m_state->tag;
+        }
+    }
+}
+
+void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t* alphas) {
+    const std::size_t first = offset(left, y);
+    const std::uint32_t color = m_state->color;
+    const std::uint32_t colorAlpha = alphaOf(color);
+    if (!m_plain) {
+        for (std::size_t i = 0; i < count; ++i) {
+            drawFragment(first + i, withAlpha(color, multiplied(colorAlpha, alphas[i])));
+        }
+        return;
+    }
+    const std::uint64_t source = spread(withAlpha(color, 0));
+    std::uint32_t* pixels = m_pixels + first;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t alpha = multiplied(colorAlpha, alphas[i]);
+        if (alpha != 0) {
+            pixels[i] = blended(pixels[i], source | static_cast<std::uint64_t>(alpha) << 48, alpha);
+        }
+    }
+    fillTags(first, count);
+}
+
+void PixelPipeline::paint(int y, int left, std::size_t count, const std::uint32_t* pixels) {
+    const std::size_t first = offset(left, y);
+    if (!m_plain) {
+        for (std::size_t i = 0; i < count; ++i) {
+            drawFragment(first + i, pixels[i]);
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        m_pixels[first + i] = blended(m_pixels[first + i], spread(pixels[i]), alphaOf(pixels[i]));
+    }
+    fillTags(first, count);
+}
+
+void PixelPipeline::finish() {
+    for (std::uint32_t& pixel : m_frame.picture.pixels) {
+        pixel |= 0xFF000000;
+    }
+}
+
+void PixelPipeline::fillTags(std::size_t first, std::size_t count) {
+    if (m_state->tagging) {
+        std::memset(m_tags + first, m_state->tag, count);
+    }
+}
+
+void PixelPipeline::drawFragment(std::size_t at, std::uint32_t source) {
+    if (!passes(m_state->alphaFunction, alphaOf(source), m_state->alphaReference) ||
+        !passesStencil(at)) {
+        return;
+    }
+    const std::uint32_t mask = m_state->colorMask;
+    m_pixels[at] = (m_pixels[at] & ~mask) | (mixed(source, m_pixels[at]) & mask);
+    if (m_state->tagging) {
+        m_tags[at] = m_state->tag;
+    }
+}
+
+bool PixelPipeline::passesStencil(std::size_t at) {
+    const std::uint32_t mask = m_state->stencilCompareMask;
+    const std::uint32_t writeMask = m_state->stencilWriteMask;
+    const std::uint32_t old = m_stencil[at];
+    const bool passed =
+        passes(m_state->stencilFunction, m_state->stencilReference & mask, old & mask);
+    const std::uint32_t next = afterStencilOp(passed ? m_state->stencilPass : m_state->stencilFail,
+                                              old, m_state->stencilReference);
+    m_stencil[at] = static_cast<std::uint8_t>((old & ~writeMask) | (next & writeMask));
+    return passed;
+}
+
+std::uint32_t PixelPipeline::mixed(std::uint32_t source, std::uint32_t destination) const {
+    const std::uint32_t sourceFactor =
+        blendFactor(m_state->blendSource, alphaOf(source), alphaOf(destination));
+    const std::uint32_t destinationFactor =
+        blendFactor(m_state->blendDestination, alphaOf(source), alphaOf(destination));
+    std::uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const std::uint32_t sum = channel(source, shift) * sourceFactor +
+                                  channel(destination, shift) * destinationFactor + 128;
+        result |= std::min((sum + (sum >> 8)) >> 8, 255U) << shift;
+    }
+    return result;
+}
+
+} // namespace controller

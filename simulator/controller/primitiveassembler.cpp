@@ -1,0 +1,106 @@
+#include "primitiveassembler.h"
+
+#include "fontrom.h"
+
+#include <algorithm>
+#include <string>
+
+namespace controller {
+
+namespace {
+
+constexpr int leastRounding = 16; // of rectangles, 1/16 pixel
+constexpr int vertexWork = 16;    // what a vertex costs at least, in pixels
+
+bool isStrip(std::uint32_t kind) {
+    return kind != primitive::Lines && kind != primitive::Rects;
+}
+
+bool isRomFont(Generation generation, std::uint32_t source) {
+    const int last = generation == Generation::E1 ? 31 : lastRomFont;
+    for (int font = firstRomFont; font <= last; ++font) {
+        if (romFont(generation, font).address == source) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int wholePixels(std::int64_t position) {
+    return static_cast<int>(position >= 0 ? position / subpixels
+                                          : -((-position + subpixels - 1) / subpixels));
+}
+
+} // namespace
+
+void PrimitiveAssembler::begin(std::uint32_t primitive) {
+    m_primitive = primitive;
+    m_hasPrevious = false;
+    if (primitive > primitive::Rects) {
+        m_complaints.add(Flaw::UnknownPrimitive,
+                         "display list: unknown primitive " + std::to_string(primitive));
+    }
+}
+
+void PrimitiveAssembler::vertex(const GraphicsState& state, Point place, const BitmapHandle& handle,
+                                std::uint8_t handleNumber, std::uint8_t cell) {
+    m_pipeline.use(state);
+    m_work += vertexWork;
+    if (m_primitive == primitive::None || m_primitive > primitive::Rects) {
+        m_complaints.add(Flaw::VertexOutsideBegin, "display list: a vertex of no primitive");
+        return;
+    }
+    if (m_primitive == primitive::Bitmaps) {
+        drawBitmap(state, place, handle, handleNumber, cell);
+        return;
+    }
+    if (m_primitive == primitive::Points) {
+        m_work += drawPoint(m_pipeline, place, state.pointSize);
+        return;
+    }
+    if (m_hasPrevious) {
+        m_work += drawSegment(state, m_previous, place);
+    }
+    m_hasPrevious = isStrip(m_primitive) || !m_hasPrevious;
+    m_previous = place;
+}
+
+int PrimitiveAssembler::drawSegment(const GraphicsState& state, Point from, Point to) {
+    switch (m_primitive) {
+    case primitive::Rects:
+        return drawRectangle(m_pipeline, from, to, std::max(state.lineWidth, leastRounding));
+    case primitive::EdgeStripR:
+        return drawEdge(m_pipeline, from, to, EdgeSide::Right);
+    case primitive::EdgeStripL:
+        return drawEdge(m_pipeline, from, to, EdgeSide::Left);
+    case primitive::EdgeStripA:
+        return drawEdge(m_pipeline, from, to, EdgeSide::Above);
+    case primitive::EdgeStripB:
+        return drawEdge(m_pipeline, from, to, EdgeSide::Below);
+    default:
+        return drawLine(m_pipeline, from, to, state.lineWidth);
+    }
+}
+
+void PrimitiveAssembler::drawBitmap(const GraphicsState& state, Point corner,
+                                    const BitmapHandle& handle, std::uint8_t handleNumber,
+                                    std::uint8_t cell) {
+    const Bitmap bitmap = bitmapOf(m_generation, handle, cell);
+    const PixelRect window = BitmapDrawer::window(bitmap, corner, m_pipeline.clip());
+    if (window.empty()) {
+        return;
+    }
+    noteCharacter(corner, handle, handleNumber, cell);
+    addWork(window);
+    m_bitmaps.draw(m_pipeline, state, handle, bitmap, corner, window);
+}
+
+void PrimitiveAssembler::noteCharacter(Point corner, const BitmapHandle& handle,
+                                       std::uint8_t handleNumber, std::uint8_t cell) {
+    if (isRomFont(m_generation, handle.source)) {
+        m_frame.characters.push_back(
+            {wholePixels(corner.x), wholePixels(corner.y), handleNumber, cell});
+    }
+}
+
+} // namespace controller

@@ -1,0 +1,325 @@
+#include "shapes.h"
+
+#include "coveragerow.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <limits>
+
+// Every shape here says, for a line of samples at a given y, which one span of it is covered.
+// drawShape() puts the lines together to rows of pixels.
+//
+// Inside this file all lengths are in 1/4096 pixel, which holds the corners of a slanting line
+// closely enough; vertices come in 1/16 and spans go out in 1/256.
+
+namespace controller {
+
+namespace {
+
+constexpr std::int64_t pixel = 4096;
+constexpr std::int64_t perSubpixel = pixel / subpixels;
+constexpr std::int64_t perRowUnit = pixel / rowUnits;
+constexpr Span nothing{};
+
+struct Vector {
+    std::int64_t x;
+    std::int64_t y;
+};
+
+Vector fine(Point point) {
+    return {point.x * perSubpixel, point.y * perSubpixel};
+}
+
+std::int64_t floorDivided(std::int64_t value, std::int64_t divisor) {
+    const std::int64_t quotient = value / divisor;
+    return quotient * divisor > value ? quotient - 1 : quotient;
+}
+
+std::int64_t ceilDivided(std::int64_t value, std::int64_t divisor) {
+    return -floorDivided(-value, divisor);
+}
+
+// floor(sqrt(value))
+std::int64_t squareRoot(std::int64_t value) {
+    if (value <= 0) {
+        return 0;
+    }
+    std::uint64_t rest = static_cast<std::uint64_t>(value);
+    std::uint64_t bit = std::uint64_t{1} << 62;
+    while (bit > rest) {
+        bit >>= 2;
+    }
+    std::uint64_t root = 0;
+    for (; bit != 0; bit >>= 2) {
+        if (rest >= root + bit) {
+            rest -= root + bit;
+            root = (root >> 1) + bit;
+        } else {
+            root >>= 1;
+        }
+    }
+    return static_cast<std::int64_t>(root);
+}
+
+// Spans are made in 1/4096 pixel and rounded once, here.
+Span rounded(std::int64_t left, std::int64_t right) {
+    return {floorDivided(left + perRowUnit / 2, perRowUnit),
+            floorDivided(right + perRowUnit / 2, perRowUnit)};
+}
+
+// --- shapes: top and bottom, the span at y, and whether all lines between two y are alike
+
+class Disc {
+public:
+    Disc(Vector centre, std::int64_t radius) : m_centre(centre), m_radius(radius) {}
+
+    std::int64_t top() const { return m_centre.y - m_radius; }
+    std::int64_t bottom() const { return m_centre.y + m_radius; }
+    bool isAlike(std::int64_t /*from*/, std::int64_t /*to*/) const { return false; }
+
+    Span at(std::int64_t y) const {
+        const std::int64_t half = halfChord(y);
+        return half == 0 ? nothing : rounded(m_centre.x - half, m_centre.x + half);
+    }
+
+    // Half the length of the chord at y, 0 outside.
+    std::int64_t halfChord(std::int64_t y) const {
+        const std::int64_t distance = y - m_centre.y;
+        return squareRoot(m_radius * m_radius - distance * distance);
+    }
+    std::int64_t x() const { return m_centre.x; }
+
+private:
+    Vector m_centre;
+    std::int64_t m_radius;
+};
+
+// A line with round ends: two discs and the band between them.
+class Capsule {
+public:
+    Capsule(Vector from, Vector to, std::int64_t radius)
+        : m_from(from, radius), m_to(to, radius), m_radius(radius), m_upright(from.x == to.x),
+          m_upper(std::min(from.y, to.y)), m_lower(std::max(from.y, to.y)) {
+        const Vector along{to.x - from.x, to.y - from.y};
+        const std::int64_t length = squareRoot(along.x * along.x + along.y * along.y);
+        const Vector across = length == 0
+                                  ? Vector{0, 0}
+                                  : Vector{-along.y * radius / length, along.x * radius / length};
+        m_corners = {
+            Vector{from.x + across.x, from.y + across.y}, Vector{to.x + across.x, to.y + across.y},
+            Vector{to.x - across.x, to.y - across.y}, Vector{from.x - across.x, from.y - across.y}};
+    }
+
+    std::int64_t top() const { return m_upper - m_radius; }
+    std::int64_t bottom() const { return m_lower + m_radius; }
+    bool isAlike(std::int64_t from, std::int64_t to) const {
+        return m_upright && from >= m_upper && to <= m_lower;
+    }
+
+    // The capsule is convex, so what its parts cover of a line is one span.
+    Span at(std::int64_t y) const {
+        std::int64_t left = std::numeric_limits<std::int64_t>::max();
+        std::int64_t right = std::numeric_limits<std::int64_t>::min();
+        for (const Disc* disc : {&m_from, &m_to}) {
+            if (const std::int64_t half = disc->halfChord(y); half > 0) {
+                left = std::min(left, disc->x() - half);
+                right = std::max(right, disc->x() + half);
+            }
+        }
+        for (std::size_t i = 0; i < m_corners.size(); ++i) {
+            const Vector& a = m_corners[i];
+            const Vector& b = m_corners[(i + 1) % m_corners.size()];
+            if ((a.y <= y) != (b.y <= y)) {
+                const std::int64_t x = a.x + (y - a.y) * (b.x - a.x) / (b.y - a.y);
+                left = std::min(left, x);
+                right = std::max(right, x);
+            }
+        }
+        return left < right ? rounded(left, right) : nothing;
+    }
+
+private:
+    Disc m_from;
+    Disc m_to;
+    std::int64_t m_radius;
+    bool m_upright;
+    std::int64_t m_upper; // end of the segment
+    std::int64_t m_lower;
+    std::array<Vector, 4> m_corners{}; // of the band, in order
+};
+
+class RoundedRectangle {
+public:
+    RoundedRectangle(Vector corner, Vector opposite, std::int64_t radius)
+        : m_left(std::min(corner.x, opposite.x)), m_right(std::max(corner.x, opposite.x)),
+          m_upper(std::min(corner.y, opposite.y)), m_lower(std::max(corner.y, opposite.y)),
+          m_radius(radius) {}
+
+    std::int64_t top() const { return m_upper - m_radius; }
+    std::int64_t bottom() const { return m_lower + m_radius; }
+    bool isAlike(std::int64_t from, std::int64_t to) const {
+        return from >= m_upper && to <= m_lower;
+    }
+
+    Span at(std::int64_t y) const {
+        const std::int64_t distance = y - std::clamp(y, m_upper, m_lower);
+        const std::int64_t reach = squareRoot(m_radius * m_radius - distance * distance);
+        return reach == 0 ? nothing : rounded(m_left - reach, m_right + reach);
+    }
+
+private:
+    std::int64_t m_left; // of the rectangle before rounding
+    std::int64_t m_right;
+    std::int64_t m_upper;
+    std::int64_t m_lower;
+    std::int64_t m_radius;
+};
+
+// The half plane on one side of the line through two points, within a range of whole pixels.
+class EdgeRegion {
+public:
+    // Covers `within`; `toLeft`: the part of each line of samples that is left of the edge.
+    EdgeRegion(Vector from, Vector to, bool toLeft, const PixelRect& within)
+        : m_from(from), m_along{to.x - from.x, to.y - from.y}, m_toLeft(toLeft),
+          m_left(within.left * pixel), m_right(within.right * pixel), m_top(within.top * pixel),
+          m_bottom(within.bottom * pixel) {}
+
+    std::int64_t top() const { return m_top; }
+    std::int64_t bottom() const { return m_bottom; }
+
+    bool isAlike(std::int64_t from, std::int64_t to) const {
+        const std::int64_t first = crossing(from);
+        const std::int64_t last = crossing(to);
+        return first == last || std::max(first, last) <= m_left || std::min(first, last) >= m_right;
+    }
+
+    Span at(std::int64_t y) const {
+        const std::int64_t x = std::clamp(crossing(y), m_left, m_right);
+        return m_toLeft ? rounded(m_left, x) : rounded(x, m_right);
+    }
+
+private:
+    // Where the edge, which is not level, crosses y.
+    std::int64_t crossing(std::int64_t y) const {
+        return m_from.x + floorDivided((y - m_from.y) * m_along.x, m_along.y);
+    }
+
+    Vector m_from;
+    Vector m_along;
+    bool m_toLeft;
+    std::int64_t m_left;
+    std::int64_t m_right;
+    std::int64_t m_top;
+    std::int64_t m_bottom;
+};
+
+// --- drawing
+
+template<typename Shape>
+void addRow(CoverageRow& row, const Shape& shape, std::int64_t top) {
+    constexpr std::int64_t lineHeight = pixel / linesPerRow;
+    if (shape.isAlike(top, top + pixel)) {
+        row.add(shape.at(top + pixel / 2), linesPerRow);
+        return;
+    }
+    for (std::int64_t y = top + lineHeight / 2; y < top + pixel; y += lineHeight) {
+        row.add(shape.at(y), 1);
+    }
+}
+
+template<typename Shape>
+int drawShape(PixelPipeline& pipeline, const Shape& shape) {
+    const PixelRect& clip = pipeline.clip();
+    const auto top =
+        static_cast<int>(std::max<std::int64_t>(floorDivided(shape.top(), pixel), clip.top));
+    const auto bottom =
+        static_cast<int>(std::min<std::int64_t>(ceilDivided(shape.bottom(), pixel), clip.bottom));
+    if (clip.empty() || top >= bottom) {
+        return 0;
+    }
+    CoverageRow row(clip.left, clip.right);
+    for (int y = top; y < bottom; ++y) {
+        addRow(row, shape, y * pixel);
+        row.draw(pipeline, y);
+    }
+    return (bottom - top) * (clip.right - clip.left);
+}
+
+// The pixels whose middle lies between two positions (1/16 pixel): neighbouring segments of a
+// strip share no pixel and leave none out.
+struct PixelRange {
+    PixelRange(std::int64_t from, std::int64_t to)
+        : first(ceilDivided(std::min(from, to) - subpixels / 2, subpixels)),
+          end(ceilDivided(std::max(from, to) - subpixels / 2, subpixels)) {}
+
+    std::int64_t first;
+    std::int64_t end;
+};
+
+int clampedTo(std::int64_t value, int low, int high) {
+    return static_cast<int>(std::clamp<std::int64_t>(value, low, high));
+}
+
+// Above or below a level edge: a rectangle whose rows are all full but perhaps the one that the
+// edge crosses.
+int drawLevelEdge(PixelPipeline& pipeline, std::int64_t y, bool above, const PixelRect& columns) {
+    CoverageRow row(columns.left, columns.right);
+    const auto edgeRow = floorDivided(y, subpixels);
+    const auto linesAbove = static_cast<int>(y - edgeRow * subpixels);
+    const Span full{static_cast<std::int64_t>(columns.left) * rowUnits,
+                    static_cast<std::int64_t>(columns.right) * rowUnits};
+    for (int line = columns.top; line < columns.bottom; ++line) {
+        int covered = (line < edgeRow) == above ? linesPerRow : 0;
+        if (line == edgeRow) {
+            covered = above ? linesAbove : linesPerRow - linesAbove;
+        }
+        if (covered > 0) {
+            row.add(full, covered);
+            row.draw(pipeline, line);
+        }
+    }
+    return (columns.bottom - columns.top) * (columns.right - columns.left);
+}
+
+} // namespace
+
+int drawPoint(PixelPipeline& pipeline, Point centre, int radius) {
+    return drawShape(pipeline, Disc(fine(centre), radius * perSubpixel));
+}
+
+int drawLine(PixelPipeline& pipeline, Point from, Point to, int halfWidth) {
+    return drawShape(pipeline, Capsule(fine(from), fine(to), halfWidth * perSubpixel));
+}
+
+int drawRectangle(PixelPipeline& pipeline, Point corner, Point opposite, int rounding) {
+    return drawShape(pipeline,
+                     RoundedRectangle(fine(corner), fine(opposite), rounding * perSubpixel));
+}
+
+int drawEdge(PixelPipeline& pipeline, Point from, Point to, EdgeSide side) {
+    PixelRect within = pipeline.clip();
+    const bool vertical = side == EdgeSide::Above || side == EdgeSide::Below;
+    if (vertical) {
+        const PixelRange columns(from.x, to.x);
+        within.right = clampedTo(columns.end, within.left, within.right);
+        within.left = clampedTo(columns.first, within.left, within.right);
+    } else {
+        const PixelRange rows(from.y, to.y);
+        within.bottom = clampedTo(rows.end, within.top, within.bottom);
+        within.top = clampedTo(rows.first, within.top, within.bottom);
+    }
+    if (within.empty()) {
+        return 0;
+    }
+    if (vertical && from.y == to.y) {
+        return drawLevelEdge(pipeline, from.y, side == EdgeSide::Above, within);
+    }
+    // What lies above an edge that falls to the right lies right of it, and so on.
+    const bool fallsToTheRight = (to.x > from.x) == (to.y > from.y);
+    const bool toLeft = side == EdgeSide::Left || (side == EdgeSide::Above && !fallsToTheRight) ||
+                        (side == EdgeSide::Below && fallsToTheRight);
+    return drawShape(pipeline, EdgeRegion(fine(from), fine(to), toLeft, within));
+}
+
+} // namespace controller
