@@ -1,0 +1,329 @@
+#include "generationtable.h"
+
+#include <QString>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+using Values = std::array<std::optional<uint32_t>, 3>;
+
+std::string text(QStringView name) {
+    return name.toString().toStdString();
+}
+
+bool startsWith(const GenerationRow& row, const char* prefix) {
+    return row.name.startsWith(QLatin1String(prefix));
+}
+
+Values valuesOf(const char* name) {
+    for (const GenerationRow& row : generationTable()) {
+        if (row.name == QLatin1String(name)) {
+            return row.values;
+        }
+    }
+    ADD_FAILURE() << "no row " << name;
+    return {};
+}
+
+template<typename Predicate>
+auto countRows(Predicate predicate) {
+    const auto table = generationTable();
+    return std::count_if(table.begin(), table.end(), predicate);
+}
+
+auto countDefined(std::size_t generation) {
+    return countRows(
+        [generation](const GenerationRow& row) { return row.values[generation].has_value(); });
+}
+
+auto countPrefix(const char* prefix) {
+    return countRows([prefix](const GenerationRow& row) { return startsWith(row, prefix); });
+}
+
+bool isMemoryMap(const GenerationRow& row) {
+    return startsWith(row, "__RAM_") || row.name == QLatin1String("__LOW_FREQ_BOUND") ||
+           row.name == QLatin1String("__ROMFONT_TABLEADDRESS");
+}
+
+bool isAddressOrClock(const GenerationRow& row) {
+    return startsWith(row, "__REG_") || isMemoryMap(row);
+}
+
+// Names defined in exactly these generations.
+std::set<std::string> namesOf(bool eve1, bool eve2, bool eve3, const char* prefix) {
+    std::set<std::string> names;
+    for (const GenerationRow& row : generationTable()) {
+        if (startsWith(row, prefix) && row.values[0].has_value() == eve1 &&
+            row.values[1].has_value() == eve2 && row.values[2].has_value() == eve3) {
+            names.insert(text(row.name));
+        }
+    }
+    return names;
+}
+
+TEST(GenerationTable, HasAllNames) {
+    EXPECT_EQ(countDefined(0), 235);
+    EXPECT_EQ(countDefined(1), 280);
+    EXPECT_EQ(countDefined(2), 484);
+    EXPECT_EQ(countRows([](const GenerationRow&) { return true; }), 491);
+}
+
+TEST(GenerationTable, HasEachNameOnceAndNoneForNothing) {
+    std::set<std::string> names;
+    for (const GenerationRow& row : generationTable()) {
+        EXPECT_TRUE(names.insert(text(row.name)).second) << text(row.name);
+        EXPECT_TRUE(startsWith(row, "__")) << text(row.name);
+        EXPECT_TRUE(row.values[0] || row.values[1] || row.values[2]) << text(row.name);
+    }
+}
+
+TEST(GenerationTable, HasAllNamesOfEachGroup) {
+    EXPECT_EQ(countRows(isMemoryMap), 14);
+    EXPECT_EQ(countPrefix("__REG_"), 166);
+    EXPECT_EQ(countPrefix("__CMD_"), 98);
+    EXPECT_EQ(countPrefix("__OPT_"), 22);
+    EXPECT_EQ(countPrefix("__COMPRESSED_"), 14);
+    EXPECT_EQ(countPrefix("__JT_"), 57);
+    EXPECT_EQ(countPrefix("__SS_"), 28);
+    const auto others = 491 - 14 - 166 - 98 - 22 - 14 - 57 - 28;
+    EXPECT_EQ(others, 92);
+}
+
+TEST(GenerationTable, HasTheMemoryMapAndTheRegistersInUse) {
+    const std::vector<std::pair<const char*, Values>> documented = {
+        {"__LOW_FREQ_BOUND", {47040000, 58800000, 58800000}},
+        {"__RAM_G_SIZE", {0x40000, 0x100000, 0x100000}},
+        {"__RAM_CMD", {0x108000, 0x308000, 0x308000}},
+        {"__RAM_DL", {0x100000, 0x300000, 0x300000}},
+        {"__RAM_G", {0, 0, 0}},
+        {"__RAM_PAL", {0x102000, absent, absent}},
+        {"__RAM_REG", {0x102400, 0x302000, 0x302000}},
+        {"__ROMFONT_TABLEADDRESS", {0xFFFFC, 0x2FFFFC, 0x2FFFFC}},
+        {"__RAM_BIST", {absent, absent, 0x380000}},
+        {"__RAM_J1RAM", {absent, absent, 0x309000}},
+        {"__RAM_JTBOOT", {absent, absent, 0x30B000}},
+        {"__RAM_ROMSUB", {absent, 0x30A000, 0x30A000}},
+        {"__RAM_TOP", {absent, absent, 0x304000}},
+        {"__RAM_ERR_REPORT", {absent, absent, 0x309800}},
+        {"__REG_CLOCK", {0x102408, 0x302008, 0x302008}},
+        {"__REG_CMD_DL", {0x1024EC, 0x302100, 0x302100}},
+        {"__REG_CMD_READ", {0x1024E4, 0x3020F8, 0x3020F8}},
+        {"__REG_CMD_WRITE", {0x1024E8, 0x3020FC, 0x3020FC}},
+        {"__REG_CPURESET", {0x10241C, 0x302020, 0x302020}},
+        {"__REG_CSPREAD", {0x102464, 0x302068, 0x302068}},
+        {"__REG_DITHER", {0x10245C, 0x302060, 0x302060}},
+        {"__REG_DLSWAP", {0x102450, 0x302054, 0x302054}},
+        {"__REG_GPIO", {0x102490, 0x302094, 0x302094}},
+        {"__REG_GPIO_DIR", {0x10248C, 0x302090, 0x302090}},
+        {"__REG_HCYCLE", {0x102428, 0x30202C, 0x30202C}},
+        {"__REG_HOFFSET", {0x10242C, 0x302030, 0x302030}},
+        {"__REG_HSIZE", {0x102430, 0x302034, 0x302034}},
+        {"__REG_HSYNC0", {0x102434, 0x302038, 0x302038}},
+        {"__REG_HSYNC1", {0x102438, 0x30203C, 0x30203C}},
+        {"__REG_ID", {0x102400, 0x302000, 0x302000}},
+        {"__REG_PCLK", {0x10246C, 0x302070, 0x302070}},
+        {"__REG_PCLK_POL", {0x102468, 0x30206C, 0x30206C}},
+        {"__REG_PLAY", {0x102488, 0x30208C, 0x30208C}},
+        {"__REG_PWM_DUTY", {0x1024C4, 0x3020D4, 0x3020D4}},
+        {"__REG_ROTATE", {0x102454, 0x302058, 0x302058}},
+        {"__REG_SOUND", {0x102484, 0x302088, 0x302088}},
+        {"__REG_SWIZZLE", {0x102460, 0x302064, 0x302064}},
+        {"__REG_TOUCH_SCREEN_XY", {0x102510, 0x302124, 0x302124}},
+        {"__REG_TOUCH_TAG", {0x102518, 0x30212C, 0x30212C}},
+        {"__REG_TOUCH_TRANSFORM_A", {0x10251C, 0x302150, 0x302150}},
+        {"__REG_TOUCH_TRANSFORM_B", {0x102520, 0x302154, 0x302154}},
+        {"__REG_TOUCH_TRANSFORM_C", {0x102524, 0x302158, 0x302158}},
+        {"__REG_TOUCH_TRANSFORM_D", {0x102528, 0x30215C, 0x30215C}},
+        {"__REG_TOUCH_TRANSFORM_E", {0x10252C, 0x302160, 0x302160}},
+        {"__REG_TOUCH_TRANSFORM_F", {0x102530, 0x302164, 0x302164}},
+        {"__REG_VCYCLE", {0x10243C, 0x302040, 0x302040}},
+        {"__REG_VOFFSET", {0x102440, 0x302044, 0x302044}},
+        {"__REG_VOL_SOUND", {0x102480, 0x302084, 0x302084}},
+        {"__REG_VSIZE", {0x102444, 0x302048, 0x302048}},
+        {"__REG_VSYNC0", {0x102448, 0x30204C, 0x30204C}},
+        {"__REG_VSYNC1", {0x10244C, 0x302050, 0x302050}},
+        {"__REG_FLASH_STATUS", {absent, absent, 0x3025F0}},
+        {"__REG_GPIOX", {absent, 0x30209C, 0x30209C}},
+        {"__REG_GPIOX_DIR", {absent, 0x302098, 0x302098}},
+        {"__REG_SPI_WIDTH", {absent, 0x302188, 0x302188}},
+        {"__REG_TRACKER", {0x109000, 0x309000, 0x309000}},
+        {"__REG_DATESTAMP", {0x10253C, 0x302564, 0x302564}},
+    };
+    for (const auto& [name, values] : documented) {
+        EXPECT_EQ(valuesOf(name), values) << name;
+    }
+}
+
+TEST(GenerationTable, KeepsAddressesInTheWindowOfTheirGeneration) {
+    for (const GenerationRow& row : generationTable()) {
+        if (!startsWith(row, "__REG_")) {
+            continue;
+        }
+        EXPECT_TRUE(row.values[0].value_or(0x102400) >= 0x102400 &&
+                    row.values[0].value_or(0x102400) < 0x110000)
+            << text(row.name);
+        for (const std::size_t generation : {1, 2}) {
+            EXPECT_TRUE(row.values[generation].value_or(0x302000) >= 0x302000 &&
+                        row.values[generation].value_or(0x302000) < 0x310000)
+                << text(row.name);
+        }
+    }
+}
+
+TEST(GenerationTable, GivesTheLaterGenerationsTheSameAddresses) {
+    for (const GenerationRow& row : generationTable()) {
+        if (row.values[1] && row.values[2]) {
+            EXPECT_EQ(row.values[1], row.values[2]) << text(row.name);
+        }
+    }
+}
+
+TEST(GenerationTable, ChangesNothingButAddressesAndTheLowestClock) {
+    for (const GenerationRow& row : generationTable()) {
+        if (!isAddressOrClock(row) && row.values[0] && row.values[1]) {
+            EXPECT_EQ(row.values[0], row.values[1]) << text(row.name);
+        }
+    }
+}
+
+TEST(GenerationTable, NumbersTheCommandsOfEachGenerationWithoutGaps) {
+    constexpr std::array<uint32_t, 3> lastCommand = {0x35, 0x43, 0x5F};
+    for (std::size_t generation = 0; generation < lastCommand.size(); ++generation) {
+        std::set<uint32_t> numbers;
+        for (const GenerationRow& row : generationTable()) {
+            if (startsWith(row, "__CMD_") && row.values[generation]) {
+                EXPECT_EQ(*row.values[generation] >> 8, 0xFFFFFFU) << text(row.name);
+                EXPECT_TRUE(numbers.insert(*row.values[generation] & 0xFF).second)
+                    << text(row.name);
+            }
+        }
+        EXPECT_EQ(numbers.size(), lastCommand[generation] + 1);
+        EXPECT_EQ(*numbers.rbegin(), lastCommand[generation]);
+    }
+}
+
+TEST(GenerationTable, GivesCommandsTheSameCodeInEveryGeneration) {
+    EXPECT_THAT(valuesOf("__CMD_TEXT"), ElementsAre(0xFFFFFF0C, 0xFFFFFF0C, 0xFFFFFF0C));
+    EXPECT_THAT(valuesOf("__CMD_DLSTART"), ElementsAre(0xFFFFFF00, 0xFFFFFF00, 0xFFFFFF00));
+    EXPECT_THAT(valuesOf("__CMD_GRADCOLOR"), ElementsAre(0xFFFFFF34, 0xFFFFFF34, 0xFFFFFF34));
+    EXPECT_THAT(valuesOf("__CMD_SETBITMAP"), ElementsAre(absent, 0xFFFFFF43, 0xFFFFFF43));
+    EXPECT_THAT(valuesOf("__CMD_VIDEOSTARTF"), ElementsAre(absent, absent, 0xFFFFFF5F));
+}
+
+TEST(GenerationTable, RenamesTwoCommandsOnTheWay) {
+    EXPECT_THAT(valuesOf("__CMD_IDCT"), ElementsAre(0xFFFFFF06, absent, absent));
+    EXPECT_THAT(valuesOf("__CMD_IDCT_DELETED"), ElementsAre(absent, 0xFFFFFF06, 0xFFFFFF06));
+    EXPECT_THAT(valuesOf("__CMD_CSKETCH"), ElementsAre(0xFFFFFF35, 0xFFFFFF35, absent));
+    EXPECT_THAT(valuesOf("__CMD_DEPRECATED_CSKETCH"), ElementsAre(absent, absent, 0xFFFFFF35));
+}
+
+TEST(GenerationTable, HasNamesThatOnlyTheFirstGenerationKnows) {
+    EXPECT_THAT(namesOf(true, false, false, "__"),
+                UnorderedElementsAre("__RAM_PAL", "__CMD_IDCT", "__INCR_WRAP", "__DECR_WRAP",
+                                     "__REG_CTOUCH_GESTURE", "__REG_CTOUCH_IDS"));
+}
+
+TEST(GenerationTable, HasRegistersThatOnlySomeGenerationsKnow) {
+    EXPECT_THAT(namesOf(true, false, true, "__"), UnorderedElementsAre("__REG_CYA0", "__REG_CYA1"));
+    EXPECT_EQ(namesOf(true, true, false, "__"), std::set<std::string>{"__CMD_CSKETCH"});
+    EXPECT_TRUE(namesOf(false, true, false, "__").empty());
+    EXPECT_EQ(namesOf(false, true, true, "__REG_").size(), 26U);
+    EXPECT_EQ(namesOf(false, false, true, "__REG_").size(), 48U);
+}
+
+TEST(GenerationTable, GivesTheCapacitiveTouchNamesTheResistiveRegisters) {
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_EXTENDED"), valuesOf("__REG_TOUCH_ADC_MODE"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH0_XY"), valuesOf("__REG_TOUCH_SCREEN_XY"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH1_XY"), valuesOf("__REG_TOUCH_RAW_XY"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH2_XY"), valuesOf("__REG_TOUCH_DIRECT_XY"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH3_XY"), valuesOf("__REG_TOUCH_DIRECT_Z1Z2"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH4_X"), valuesOf("__REG_ANALOG"));
+    EXPECT_EQ(valuesOf("__REG_CTOUCH_TOUCH4_Y"), valuesOf("__REG_TOUCH_RZ"));
+    EXPECT_EQ(valuesOf("__REG_ID"), valuesOf("__RAM_REG"));
+}
+
+TEST(GenerationTable, BuildsOptionsFromEachOther) {
+    EXPECT_EQ(*valuesOf("__OPT_CENTER")[0],
+              *valuesOf("__OPT_CENTERX")[0] | *valuesOf("__OPT_CENTERY")[0]);
+    EXPECT_EQ(*valuesOf("__OPT_NOHANDS")[0],
+              *valuesOf("__OPT_NOHM")[0] | *valuesOf("__OPT_NOSECS")[0]);
+    EXPECT_EQ(valuesOf("__OPT_NOHM"), valuesOf("__OPT_NOPOINTER"));
+    EXPECT_EQ(valuesOf("__OPT_FLAT"), valuesOf("__OPT_SIGNED"));
+    EXPECT_EQ(valuesOf("__OPT_NOBACK")[2], valuesOf("__OPT_FORMAT")[2]);
+    EXPECT_EQ(valuesOf("__OPT_NOTICKS")[2], valuesOf("__OPT_FILL")[2]);
+}
+
+TEST(GenerationTable, NumbersTheDrawingPrimitives) {
+    const std::vector<const char*> primitives = {
+        "__BITMAPS",      "__FTPOINTS",     "__LINES",        "__LINE_STRIP", "__EDGE_STRIP_R",
+        "__EDGE_STRIP_L", "__EDGE_STRIP_A", "__EDGE_STRIP_B", "__RECTS"};
+    uint32_t number = 1;
+    for (const char* primitive : primitives) {
+        EXPECT_THAT(valuesOf(primitive), ElementsAre(number, number, number)) << primitive;
+        ++number;
+    }
+}
+
+TEST(GenerationTable, NumbersTheBitmapFormatsInUse) {
+    EXPECT_THAT(valuesOf("__L4"), ElementsAre(2U, 2U, 2U));
+    EXPECT_THAT(valuesOf("__ARGB4"), ElementsAre(6U, 6U, 6U));
+    EXPECT_THAT(valuesOf("__BILINEAR"), ElementsAre(1U, 1U, 1U));
+    EXPECT_THAT(valuesOf("__BORDER"), ElementsAre(0U, 0U, 0U));
+    EXPECT_THAT(valuesOf("__PALETTED8"), ElementsAre(absent, 0x10U, 0x10U));
+    EXPECT_THAT(valuesOf("__GLFORMAT"), ElementsAre(absent, absent, 0x1FU));
+}
+
+TEST(GenerationTable, KnowsSwapsFlashStatesAndTheFifoSize) {
+    EXPECT_THAT(valuesOf("__DLSWAP_DONE"), ElementsAre(0U, 0U, 0U));
+    EXPECT_THAT(valuesOf("__DLSWAP_LINE"), ElementsAre(1U, 1U, 1U));
+    EXPECT_THAT(valuesOf("__DLSWAP_FRAME"), ElementsAre(2U, 2U, 2U));
+    EXPECT_THAT(valuesOf("__FLASH_STATUS_DETACHED"), ElementsAre(absent, absent, 1U));
+    EXPECT_THAT(valuesOf("__FLASH_STATUS_FULL"), ElementsAre(absent, absent, 3U));
+    EXPECT_THAT(valuesOf("__CMDBUF_SIZE"), ElementsAre(4096U, 4096U, 4096U));
+}
+
+TEST(GenerationTable, NumbersCompressedFormatsByBlockSize) {
+    const std::vector<const char*> blockSizes = {"4x4",  "5x4",   "5x5",   "6x5",  "6x6",
+                                                 "8x5",  "8x6",   "8x8",   "10x5", "10x6",
+                                                 "10x8", "10x10", "12x10", "12x12"};
+    uint32_t number = 0x93B0;
+    for (const std::string blockSize : blockSizes) {
+        const std::string name = "__COMPRESSED_RGBA_ASTC_" + blockSize + "_KHR";
+        EXPECT_THAT(valuesOf(name.c_str()), ElementsAre(absent, absent, number)) << name;
+        ++number;
+    }
+}
+
+TEST(GenerationTable, NumbersTheSynthesiser) {
+    EXPECT_THAT(valuesOf("__SS_Q0"), ElementsAre(absent, absent, 0U));
+    EXPECT_THAT(valuesOf("__SS_QF"), ElementsAre(absent, absent, 15U));
+    EXPECT_THAT(valuesOf("__SS_PAUSE"), ElementsAre(absent, absent, 0x12U));
+    EXPECT_THAT(valuesOf("__SS_A7"), ElementsAre(absent, absent, 0x1AU));
+    EXPECT_THAT(valuesOf("__SS_QI"), ElementsAre(absent, absent, 0x1FU));
+}
+
+TEST(GenerationTable, GivesUnpublishedRegistersAnAddressOfTheirOwn) {
+    std::map<uint32_t, int> uses;
+    for (const GenerationRow& row : generationTable()) {
+        if (startsWith(row, "__REG_") && row.values[2]) {
+            ++uses[*row.values[2]];
+        }
+    }
+    for (const char* name : {"__REG_CTOUCH_TOUCHA_XY", "__REG_EJPG_ACC", "__REG_ESPIM_WINDOW",
+                             "__REG_J1_COLD", "__REG_RASTERY", "__REG_SPIM_DIR"}) {
+        EXPECT_EQ(uses[*valuesOf(name)[2]], 1) << name;
+    }
+}
+
+} // namespace
