@@ -1,0 +1,130 @@
+#include "application.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace panel {
+
+namespace {
+
+// A child that the kernel kills when we die, whatever kills us.
+class BoundProcess : public QProcess {
+public:
+    using QProcess::QProcess;
+
+protected:
+    // Runs in the child between fork and exec.
+    void setupChildProcess() override {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != m_parent) {
+            _exit(1); // we died before the line above
+        }
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+    }
+
+private:
+    const pid_t m_parent = getpid();
+};
+
+} // namespace
+
+QString ProcessEnd::text() const {
+    if (!bySignal) {
+        return QStringLiteral("exit status %1").arg(code);
+    }
+    return QStringLiteral("signal %1 (%2)").arg(code).arg(QString::fromLocal8Bit(strsignal(code)));
+}
+
+Application::Application(QString program, const QProcessEnvironment& environment, QObject* parent)
+    : QObject(parent), m_program(std::move(program)), m_environment(environment) {}
+
+Application::~Application() {
+    kill();
+}
+
+bool Application::start() {
+    kill();
+    m_lastEnd.reset();
+    m_process = std::make_unique<BoundProcess>();
+    m_process->setProcessEnvironment(m_environment);
+    m_process->setInputChannelMode(QProcess::ForwardedInputChannel);
+    QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, this,
+                     [this] { passOn(QProcess::StandardOutput); });
+    QObject::connect(m_process.get(), &QProcess::readyReadStandardError, this,
+                     [this] { passOn(QProcess::StandardError); });
+    m_process->start(m_program, QStringList(), QIODevice::ReadOnly);
+    if (!m_process->waitForStarted()) {
+        m_error = QStringLiteral("cannot start %1: %2").arg(m_program, m_process->errorString());
+        m_process.reset();
+        return false;
+    }
+    QObject::connect(m_process.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
+                     this, [this](int code, QProcess::ExitStatus status) {
+                         passOn(QProcess::StandardOutput);
+                         passOn(QProcess::StandardError);
+                         m_lastEnd = ProcessEnd{status == QProcess::CrashExit, code};
+                         emit ended();
+                     });
+    return true;
+}
+
+void Application::kill() {
+    if (!isRunning()) {
+        return;
+    }
+    m_process->disconnect(this);
+    m_process->kill();
+    m_process->waitForFinished();
+    passOn(QProcess::StandardOutput);
+    passOn(QProcess::StandardError);
+    m_process.reset();
+}
+
+bool Application::isRunning() const {
+    return m_process && m_process->state() != QProcess::NotRunning;
+}
+
+qint64 Application::processId() const {
+    return isRunning() ? m_process->processId() : 0;
+}
+
+int Application::residentKilobytes() const {
+    QFile status(QStringLiteral("/proc/%1/status").arg(processId()));
+    if (!isRunning() || !status.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    const QByteArray key = "VmRSS:";
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith(key)) {
+            return line.mid(key.size()).trimmed().split(' ').first().toInt();
+        }
+    }
+    return 0;
+}
+
+void Application::passOn(int channel) {
+    const bool isError = channel == QProcess::StandardError;
+    m_process->setReadChannel(isError ? QProcess::StandardError : QProcess::StandardOutput);
+    FILE* const out = isError ? stderr : stdout;
+    const QByteArray prefix = QFileInfo(m_program).fileName().toLocal8Bit() + ": ";
+    const bool running = m_process->state() == QProcess::Running;
+    while (running ? m_process->canReadLine() : m_process->bytesAvailable() > 0) {
+        QByteArray line = prefix + m_process->readLine();
+        if (!line.endsWith('\n')) {
+            line += '\n';
+        }
+        std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), out);
+    }
+    std::fflush(out);
+}
+
+} // namespace panel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QObject>
+#include <QProcessEnvironment>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+class QProcess;
+
+namespace panel {
+
+// How a process ended.
+struct ProcessEnd {
+    bool bySignal = false;
+    int code = 0; // the signal, or the exit status
+
+    QString text() const; // "exit status 1", "signal 6 (Aborted)"
+};
+
+// The program on the virtual board, run unmodified as a child process. It never outlives this
+// process, however that ends. What it writes comes out on this process's own standard output and
+// error, each line with the program's name in front.
+class Application : public QObject {
+    Q_OBJECT
+
+public:
+    // `environment` holds the variables that make the board visible, in addition to our own.
+    Application(QString program, const QProcessEnvironment& environment, QObject* parent = nullptr);
+    ~Application() override; // kills it
+
+    // Runs it anew; one that is running is killed first. False when it cannot be started; error()
+    // then says why.
+    bool start();
+    // Returns when it is gone; does nothing when it is not running.
+    void kill();
+
+    bool isRunning() const;
+    // Of the last run; none while it is running, before the first one and after kill().
+    std::optional<ProcessEnd> lastEnd() const { return m_lastEnd; }
+    qint64 processId() const; // 0 when it is not running
+    const QString& program() const { return m_program; }
+    QString error() const { return m_error; }
+
+    // Its resident memory, from /proc; 0 when it is not running.
+    int residentKilobytes() const;
+
+signals:
+    void ended(); // by itself; see lastEnd()
+
+private:
+    void passOn(int channel);
+
+    const QString m_program;
+    const QProcessEnvironment m_environment;
+    std::unique_ptr<QProcess> m_process;
+    std::optional<ProcessEnd> m_lastEnd;
+    QString m_error;
+};
+
+} // namespace panel

@@ -1,0 +1,151 @@
+#include "bustrace.h"
+
+#include "memorylayout.h"
+#include "names.h"
+
+#include <algorithm>
+
+namespace panel {
+
+namespace {
+
+constexpr int writeHeaderBytes = 3;
+constexpr int readHeaderBytes = 4; // with its dummy byte
+constexpr int mostBytesShown = 16;
+constexpr int wordBytes = 4;
+constexpr double nanosecondsPerSecond = 1e9;
+
+QByteArray toBytes(const std::vector<std::uint8_t>& bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())};
+}
+
+std::uint32_t byteAt(const QByteArray& bytes, int at) {
+    return static_cast<std::uint8_t>(bytes[at]);
+}
+
+std::uint32_t addressIn(const QByteArray& header) {
+    return ((byteAt(header, 0) & 0x3F) << 16) | (byteAt(header, 1) << 8) | byteAt(header, 2);
+}
+
+std::uint32_t littleEndian(const QByteArray& bytes) {
+    std::uint32_t value = 0;
+    for (int i = bytes.size() - 1; i >= 0; --i) {
+        value = (value << 8) | byteAt(bytes, i);
+    }
+    return value;
+}
+
+// As many digits as the bytes have.
+QString number(const QByteArray& bytes) {
+    if (bytes.isEmpty()) {
+        return QStringLiteral("-");
+    }
+    const QString digits = QString::number(littleEndian(bytes), 16).toUpper();
+    return QStringLiteral("0x") + digits.rightJustified(2 * bytes.size(), '0');
+}
+
+QString byteList(const QByteArray& bytes) {
+    if (bytes.isEmpty()) {
+        return QStringLiteral("-");
+    }
+    QString text = QString::fromLatin1(bytes.left(mostBytesShown).toHex(' '));
+    if (bytes.size() > mostBytesShown) {
+        text += QStringLiteral(" ... (%1 bytes)").arg(bytes.size());
+    }
+    return text;
+}
+
+QString hostCommand(const QByteArray& sent) {
+    QString text = QStringLiteral("H ") + QString::fromStdString(controller::hostCommandName(
+                                              static_cast<std::uint8_t>(byteAt(sent, 0))));
+    if (sent.size() > 1 && byteAt(sent, 1) != 0) {
+        text += ' ' + number(sent.mid(1, 1));
+    }
+    return text;
+}
+
+} // namespace
+
+TransactionText::TransactionText(controller::Generation generation)
+    : m_generation(generation), m_ring(generation) {}
+
+QString TransactionText::of(const controller::Transaction& transaction) {
+    const double seconds = static_cast<double>(transaction.start) / nanosecondsPerSecond;
+    return QStringLiteral("%1 %2").arg(
+        QString::number(seconds, 'f', 6).rightJustified(11),
+        bodyOf(toBytes(transaction.sent), toBytes(transaction.received)));
+}
+
+QString TransactionText::bodyOf(const QByteArray& sent, const QByteArray& received) {
+    if (sent.isEmpty()) {
+        return QStringLiteral("- nothing sent");
+    }
+    const std::uint32_t kind = byteAt(sent, 0) >> 6;
+    if (kind == 1 || sent == QByteArray(writeHeaderBytes, '\0')) {
+        return hostCommand(sent);
+    }
+    if (kind == 2 && sent.size() >= writeHeaderBytes) {
+        return writeText(addressIn(sent), sent.mid(writeHeaderBytes));
+    }
+    if (kind == 0 && sent.size() >= readHeaderBytes) {
+        return QStringLiteral("R ") +
+               placeAndValues(addressIn(sent), received.mid(readHeaderBytes));
+    }
+    return QStringLiteral("? ") + byteList(sent);
+}
+
+QString TransactionText::writeText(std::uint32_t address, const QByteArray& data) {
+    const controller::MemoryLayout layout = controller::memoryLayout(m_generation);
+    if (!layout.ring.contains(address)) {
+        return QStringLiteral("W ") + placeAndValues(address, data);
+    }
+    const QStringList commands = m_ring.feed(address - layout.ring.base, data);
+    return QStringLiteral("W %1 %2").arg(
+        QString::fromStdString(controller::memoryName(m_generation, address)),
+        commands.isEmpty() ? QStringLiteral("-") : commands.join(QStringLiteral("; ")));
+}
+
+QString TransactionText::placeAndValues(std::uint32_t address, const QByteArray& data) const {
+    if (!controller::registerName(m_generation, address).empty()) {
+        return registerValues(address, data);
+    }
+    const QString place = QString::fromStdString(controller::memoryName(m_generation, address));
+    const bool displayList = controller::memoryLayout(m_generation).displayList.contains(address);
+    return place + ' ' + (displayList ? displayListWords(data) : byteList(data));
+}
+
+QString TransactionText::registerValues(std::uint32_t address, const QByteArray& data) const {
+    QStringList values;
+    int at = 0;
+    do {
+        const std::string name =
+            controller::registerName(m_generation, address + static_cast<std::uint32_t>(at));
+        values += QStringLiteral("%1 %2").arg(QString::fromStdString(name),
+                                              number(data.mid(at, wordBytes)));
+        at += wordBytes;
+    } while (at < data.size());
+    return values.join(QStringLiteral("; "));
+}
+
+QString TransactionText::displayListWords(const QByteArray& data) const {
+    if (data.isEmpty()) {
+        return QStringLiteral("-");
+    }
+    QStringList words;
+    for (int at = 0; at < data.size(); at += wordBytes) {
+        words += QString::fromStdString(
+            controller::displayListWordText(m_generation, littleEndian(data.mid(at, wordBytes))));
+    }
+    return words.join(QStringLiteral("; "));
+}
+
+bool BusTrace::open(const QString& path) {
+    m_file.setFileName(path);
+    return m_file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate);
+}
+
+void BusTrace::transactionEnded(const controller::Transaction& transaction) {
+    m_file.write(m_text.of(transaction).toLatin1() + '\n');
+}
+
+} // namespace panel

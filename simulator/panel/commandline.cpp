@@ -1,0 +1,211 @@
+#include "commandline.h"
+
+#include "exitstatus.h"
+#include "keys.h"
+#include "script.h"
+#include "scriptline.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+namespace panel {
+
+namespace {
+
+constexpr int lowestZoom = 1;
+constexpr int highestZoom = 4;
+
+struct Options {
+    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                            QStringLiteral("Show this help and end.")};
+    QCommandLineOption app{QStringLiteral("app"),
+                           QStringLiteral("The application to run, instead of the frontpanel "
+                                          "beside this program."),
+                           QStringLiteral("PATH")};
+    QCommandLineOption noApp{QStringLiteral("no-app"),
+                             QStringLiteral("Start no application, but print the environment in "
+                                            "which one finds the board, so that it can be started "
+                                            "by hand or in a debugger.")};
+    QCommandLineOption generation{QStringLiteral("generation"),
+                                  QStringLiteral("Generation of the display controller: 1, 2 or 3 "
+                                                 "(default 3)."),
+                                  QStringLiteral("N"), QStringLiteral("3")};
+    QCommandLineOption boardFault{
+        QStringLiteral("board-fault"),
+        QStringLiteral("Build the board with a fault: no-spi-node, no-gpio-export or "
+                       "lines-exported (the lines are exported already)."),
+        QStringLiteral("FAULT")};
+    QCommandLineOption noServer{QStringLiteral("no-server"),
+                                QStringLiteral("Leave the measurement server switched off.")};
+    QCommandLineOption answersEverything{
+        QStringLiteral("server-answers-everything"),
+        QStringLiteral("The measurement server answers STOP and DAC with \"Ok\" too.")};
+    QCommandLineOption seed{QStringLiteral("seed"),
+                            QStringLiteral("Which pulses the server sees: a whole number "
+                                           "(default 1)."),
+                            QStringLiteral("N"), QStringLiteral("1")};
+    QCommandLineOption headless{QStringLiteral("headless"),
+                                QStringLiteral("Do everything without a window. This is the "
+                                               "default where there is no display.")};
+    QCommandLineOption zoom{QStringLiteral("zoom"),
+                            QStringLiteral("Window pixels per panel pixel, 1 to 4 (default 2)."),
+                            QStringLiteral("N"), QStringLiteral("2")};
+    QCommandLineOption script{QStringLiteral("script"),
+                              QStringLiteral("Play a session; see below."), QStringLiteral("FILE")};
+    QCommandLineOption timeLimit{QStringLiteral("time-limit"),
+                                 QStringLiteral("Longest time for the whole session, such as 90s "
+                                                "(default 300s)."),
+                                 QStringLiteral("TIME"), QStringLiteral("300s")};
+    QCommandLineOption screenshots{QStringLiteral("screenshots"),
+                                   QStringLiteral("Directory for screenshots, created if missing "
+                                                  "(default: the working directory)."),
+                                   QStringLiteral("DIR"), QStringLiteral(".")};
+    QCommandLineOption compare{
+        QStringLiteral("compare"),
+        QStringLiteral("Compare each screenshot with DIR/NAME.png, every pixel, instead of keeping "
+                       "it. One that differs leaves NAME.actual.png and NAME.difference.png in the "
+                       "directory for screenshots."),
+        QStringLiteral("DIR")};
+    QCommandLineOption renew{QStringLiteral("renew"),
+                             QStringLiteral("With --compare: store the screenshots in DIR "
+                                            "instead.")};
+    QCommandLineOption trace{QStringLiteral("trace"),
+                             QStringLiteral("Write what crosses the SPI bus to FILE, one line for "
+                                            "each transaction."),
+                             QStringLiteral("FILE")};
+    QCommandLineOption statistics{QStringLiteral("stats"),
+                                  QStringLiteral("At the end print what crossed the bus, frames, "
+                                                 "requests and the application's memory.")};
+
+    QList<QCommandLineOption> all() const {
+        return {help,  app,      noApp,     generation, boardFault, noServer,    answersEverything,
+                seed,  headless, zoom,      script,     timeLimit,  screenshots, compare,
+                renew, trace,    statistics};
+    }
+};
+
+// Takes the values out of the parser, keeping the first mistake.
+class Reader {
+public:
+    Reader(const QCommandLineParser& parser, CommandLine& commandLine)
+        : m_parser(parser), m_commandLine(commandLine) {}
+
+    std::uint32_t number(const QCommandLineOption& option, std::uint32_t lowest,
+                         std::uint32_t highest) {
+        bool ok = false;
+        const std::uint32_t value = m_parser.value(option).toUInt(&ok);
+        if (!ok || value < lowest || value > highest) {
+            fail(QStringLiteral("--%1 takes a whole number from %2 to %3, not \"%4\"")
+                     .arg(option.names().last())
+                     .arg(lowest)
+                     .arg(highest)
+                     .arg(m_parser.value(option)));
+            return lowest;
+        }
+        return value;
+    }
+
+    std::chrono::milliseconds time(const QCommandLineOption& option) {
+        script::ScriptLine line(m_parser.value(option));
+        const auto value = line.time("--" + option.names().last());
+        if (!line.error().isEmpty()) {
+            fail(line.error());
+        }
+        return value;
+    }
+
+    void boardFault(const QCommandLineOption& option, board::Options& options) {
+        const QString fault = m_parser.value(option);
+        if (fault == QStringLiteral("no-spi-node")) {
+            options.spiNode = false;
+        } else if (fault == QStringLiteral("no-gpio-export")) {
+            options.gpioExport = false;
+        } else if (fault == QStringLiteral("lines-exported")) {
+            options.linesAlreadyExported = true;
+        } else if (m_parser.isSet(option)) {
+            fail(QStringLiteral("--board-fault takes no-spi-node, no-gpio-export or "
+                                "lines-exported, not \"%1\"")
+                     .arg(fault));
+        }
+    }
+
+    void fail(const QString& error) {
+        if (m_commandLine.error.isEmpty()) {
+            m_commandLine.error = error;
+        }
+    }
+
+private:
+    const QCommandLineParser& m_parser;
+    CommandLine& m_commandLine;
+};
+
+void read(const QCommandLineParser& parser, const Options& options, const QString& directory,
+          CommandLine& commandLine) {
+    Reader reader(parser, commandLine);
+    Settings& settings = commandLine.settings;
+    settings.generation =
+        static_cast<controller::Generation>(reader.number(options.generation, 1, 3) - 1);
+    reader.boardFault(options.boardFault, settings.board);
+    settings.application = parser.isSet(options.app) ? parser.value(options.app)
+                                                     : directory + QStringLiteral("/frontpanel");
+    settings.startApplication = !parser.isSet(options.noApp);
+    settings.startServer = !parser.isSet(options.noServer);
+    settings.serverAnswersEverything = parser.isSet(options.answersEverything);
+    settings.seed = reader.number(options.seed, 0, UINT32_MAX);
+    settings.headless = parser.isSet(options.headless);
+    settings.zoom = static_cast<int>(reader.number(options.zoom, lowestZoom, highestZoom));
+    settings.script = parser.value(options.script);
+    settings.timeLimit = reader.time(options.timeLimit);
+    settings.screenshots = parser.value(options.screenshots);
+    settings.stored = parser.value(options.compare);
+    settings.renew = parser.isSet(options.renew);
+    settings.trace = parser.value(options.trace);
+    settings.statistics = parser.isSet(options.statistics);
+    if (settings.renew && settings.stored.isEmpty()) {
+        reader.fail(QStringLiteral("--renew stores the pictures of --compare DIR; give both"));
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        reader.fail(QStringLiteral("\"%1\" is no option; --help lists them")
+                        .arg(parser.positionalArguments().first()));
+    }
+}
+
+} // namespace
+
+CommandLine parseCommandLine(const QStringList& arguments) {
+    const Options options;
+    QCommandLineParser parser;
+    parser.addOptions(options.all());
+    CommandLine commandLine;
+    if (!parser.parse(arguments)) {
+        commandLine.error = QStringLiteral("%1 --help lists the options.").arg(parser.errorText());
+        return commandLine;
+    }
+    commandLine.wantsHelp = parser.isSet(options.help);
+    read(parser, options, QFileInfo(arguments.first()).absolutePath(), commandLine);
+    return commandLine;
+}
+
+QString helpText() {
+    const Options options;
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "The virtual instrument: runs the unmodified front-panel application on a simulated\n"
+        "board with display controller, touch panel and measurement server."));
+    parser.addOptions(options.all());
+    return parser.helpText() +
+           QStringLiteral("\nKeys in the window; the mouse is the finger:\n%1").arg(keyHelp()) +
+           QStringLiteral("\nCommands of a script, one a line:\n%1").arg(script::help()) +
+           QStringLiteral(
+               "\n"
+               "  TEXT with blanks stands in quotation marks; a '*' in it stands for anything.\n"
+               "  A '#' begins a comment. Each wait, touch and screenshot may end with\n"
+               "  \"within TIME\"; without it, it may take 30s. Lines that look at frames (wait\n"
+               "  frames, swaps, text, quiet; expect text; screenshot) and follow each other miss\n"
+               "  no frame between them. After the last line the application is killed.\n"
+               "\nExit status:\n%1")
+               .arg(exitStatusHelp());
+}
+
+} // namespace panel

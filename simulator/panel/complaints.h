@@ -1,0 +1,36 @@
+#pragma once
+
+#include "displaymodule.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <map>
+#include <mutex>
+
+namespace panel {
+
+// Writes each complaint of the controller once to standard error, and at the end how often it
+// came. Thread-safe.
+class Complaints : public Watcher {
+public:
+    // `failed` is called for the first complaint that is not allowed, with the module locked, on
+    // whichever thread brought it on.
+    explicit Complaints(std::function<void(const QString&)> failed) : m_failed(std::move(failed)) {}
+    ~Complaints() override; // writes the counts
+
+    // Complaints like `pattern` (matchesPattern()) are no failure from now on.
+    void allow(const QString& pattern);
+
+    void complained(const std::string& text) override;
+
+private:
+    std::mutex m_mutex;
+    std::map<std::string, int> m_counts;
+    QStringList m_allowed;
+    const std::function<void(const QString&)> m_failed;
+    bool m_reported = false;
+};
+
+} // namespace panel

@@ -1,0 +1,111 @@
+#include "displaymodule.h"
+
+#include <algorithm>
+
+namespace panel {
+
+DisplayModule::DisplayModule(controller::Generation generation) : m_controller(generation) {
+    m_controller.setObserver(this);
+}
+
+DisplayModule::~DisplayModule() {
+    m_controller.setObserver(nullptr);
+}
+
+// Asked with the lock held, so that the model's time never runs backwards.
+controller::Nanoseconds DisplayModule::now() const {
+    const auto elapsed = std::chrono::steady_clock::now() - m_start;
+    return static_cast<controller::Nanoseconds>(
+        std::chrono::duration_cast<std::chrono::nanoseconds>(elapsed).count());
+}
+
+void DisplayModule::addWatcher(Watcher* watcher) {
+    const std::lock_guard lock(m_mutex);
+    m_watchers.push_back(watcher);
+}
+
+void DisplayModule::removeWatcher(Watcher* watcher) {
+    const std::lock_guard lock(m_mutex);
+    m_watchers.erase(std::remove(m_watchers.begin(), m_watchers.end(), watcher), m_watchers.end());
+}
+
+void DisplayModule::advance() {
+    const std::lock_guard lock(m_mutex);
+    m_controller.advance(now());
+}
+
+void DisplayModule::touch(int x, int y) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.touch(x, y);
+}
+
+void DisplayModule::release() {
+    const std::lock_guard lock(m_mutex);
+    m_controller.release();
+}
+
+void DisplayModule::setIdentity(std::uint32_t chipId) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setIdentity(chipId);
+}
+
+void DisplayModule::setAnswering(bool answering) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setAnswering(answering);
+}
+
+DisplayModule::Counts DisplayModule::counts() const {
+    const std::lock_guard lock(m_mutex);
+    return {m_controller.framesScanned(), m_controller.listsSwapped(),
+            m_controller.touchTagReads()};
+}
+
+controller::PanelState DisplayModule::panel() const {
+    const std::lock_guard lock(m_mutex);
+    return m_controller.panel();
+}
+
+controller::Picture DisplayModule::picture() const {
+    const std::lock_guard lock(m_mutex);
+    return m_controller.frame().picture;
+}
+
+void DisplayModule::powerDown(bool high) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setPowerDown(high, now());
+}
+
+void DisplayModule::chipSelect(bool high) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setChipSelect(high, now());
+}
+
+void DisplayModule::transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) {
+    const std::lock_guard lock(m_mutex);
+    for (std::size_t i = 0; i < length; ++i) {
+        const std::uint8_t answer = m_controller.exchange(sent != nullptr ? sent[i] : 0, now());
+        if (received != nullptr) {
+            received[i] = answer;
+        }
+    }
+}
+
+void DisplayModule::frameScanned(std::uint32_t /*number*/, controller::Nanoseconds /*now*/) {
+    for (Watcher* watcher : m_watchers) {
+        watcher->frameScanned(m_controller);
+    }
+}
+
+void DisplayModule::transactionEnded(const controller::Transaction& transaction) {
+    for (Watcher* watcher : m_watchers) {
+        watcher->transactionEnded(transaction);
+    }
+}
+
+void DisplayModule::complained(const std::string& text) {
+    for (Watcher* watcher : m_watchers) {
+        watcher->complained(text);
+    }
+}
+
+} // namespace panel

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "controller.h"
+#include "virtualboard.h"
+
+#include <chrono>
+#include <mutex>
+#include <vector>
+
+namespace panel {
+
+// Looks at what happens in the display module. Calls come on the thread that brought the model on,
+// with the module locked: they must be quick and must not call the module.
+class Watcher {
+public:
+    Watcher() = default;
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+    virtual ~Watcher() = default;
+
+    virtual void frameScanned(const controller::Controller& /*controller*/) {}
+    virtual void transactionEnded(const controller::Transaction& /*transaction*/) {}
+    virtual void complained(const std::string& /*text*/) {}
+};
+
+// The controller with its panel on the board's wires, living in real time. Every function may be
+// called from any thread.
+class DisplayModule : public board::Wires, private controller::Observer {
+public:
+    explicit DisplayModule(controller::Generation generation);
+    ~DisplayModule() override;
+
+    // Watchers are not owned, and are called in the order in which they were added.
+    void addWatcher(Watcher* watcher);
+    void removeWatcher(Watcher* watcher);
+
+    // Brings the model up to the present; to be called at least 60 times a second, so that frames
+    // come when they are due also while the application is silent.
+    void advance();
+
+    void touch(int x, int y);
+    void release();
+    void setIdentity(std::uint32_t chipId);
+    void setAnswering(bool answering);
+
+    struct Counts {
+        std::uint32_t frames = 0;
+        std::uint32_t swaps = 0;
+        std::uint32_t touchTagReads = 0;
+    };
+    Counts counts() const;
+    controller::PanelState panel() const;
+    controller::Picture picture() const; // what the list now shown draws
+
+    // Runs `look` with the module locked.
+    template<typename Look>
+    auto locked(Look look) const {
+        const std::lock_guard lock(m_mutex);
+        return look(static_cast<const controller::Controller&>(m_controller));
+    }
+
+    // board::Wires
+    void powerDown(bool high) override;
+    void chipSelect(bool high) override;
+    void transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) override;
+
+private:
+    controller::Nanoseconds now() const;
+    void frameScanned(std::uint32_t number, controller::Nanoseconds now) override;
+    void transactionEnded(const controller::Transaction& transaction) override;
+    void complained(const std::string& text) override;
+
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    mutable std::mutex m_mutex; // guards all below
+    controller::Controller m_controller;
+    std::vector<Watcher*> m_watchers;
+};
+
+} // namespace panel

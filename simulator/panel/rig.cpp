@@ -1,0 +1,124 @@
+#include "rig.h"
+
+#include <QProcessEnvironment>
+
+#include <cstdio>
+
+namespace panel {
+
+namespace {
+
+constexpr int tickMs = 5; // well within a frame, so that frames come when they are due
+
+} // namespace
+
+Rig::Rig(const Settings& settings)
+    : m_settings(settings), m_complaints([this](const QString& text) {
+          QMetaObject::invokeMethod(
+              this, [this, text] { emit complained(text); }, Qt::QueuedConnection);
+      }),
+      m_module(settings.generation), m_server(settings.seed), m_pictures(settings.screenshots) {
+    m_module.addWatcher(&m_complaints);
+    m_pictures.compareWith(settings.stored, settings.renew);
+    connect(&m_server, &ServerThread::requestReceived, this, [this](const QString& request) {
+        m_requests.add(request);
+        emit requestReceived();
+    });
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        m_module.advance();
+        emit ticked();
+    });
+}
+
+// The application goes first: it must not see the board vanish.
+Rig::~Rig() {
+    m_application.reset();
+    m_board.reset();
+}
+
+Rig::Failure Rig::start() {
+    if (Failure failure = startTrace()) {
+        return failure;
+    }
+    if (Failure failure = startBoard()) {
+        return failure;
+    }
+    m_server.apply([this](server::MeasurementServer& server) {
+        server.setAnswerEverything(m_settings.serverAnswersEverything);
+    });
+    if (m_settings.startServer && !m_server.start()) {
+        return {ExitStatus::PortTaken, m_server.error()};
+    }
+    m_timer.start(tickMs);
+    m_application = std::make_unique<Application>(m_settings.application, boardEnvironment());
+    if (!m_settings.startApplication) {
+        announceEnvironment();
+    } else if (!m_application->start()) {
+        return {ExitStatus::ApplicationNotStarted, m_application->error()};
+    }
+    return {};
+}
+
+Rig::Failure Rig::startTrace() {
+    if (m_settings.trace.isEmpty()) {
+        return {};
+    }
+    m_trace = std::make_unique<BusTrace>(m_settings.generation);
+    if (!m_trace->open(m_settings.trace)) {
+        return {ExitStatus::FileNotWritten, QStringLiteral("cannot write the trace %1: %2")
+                                                .arg(m_settings.trace, m_trace->errorString())};
+    }
+    m_module.addWatcher(m_trace.get());
+    return {};
+}
+
+Rig::Failure Rig::startBoard() {
+    try {
+        m_board = std::make_unique<board::VirtualBoard>(m_module, m_settings.board);
+    } catch (const board::BoardError& error) {
+        return {ExitStatus::BoardFailed, QString::fromLocal8Bit(error.what())};
+    }
+    return {};
+}
+
+QProcessEnvironment Rig::boardEnvironment() const {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : m_board->environment()) {
+        environment.insert(QString::fromStdString(name), QString::fromLocal8Bit(value.c_str()));
+    }
+    return environment;
+}
+
+void Rig::announceEnvironment() const {
+    std::printf("Start the application by hand with:\n  env");
+    for (const auto& [name, value] : m_board->environment()) {
+        std::printf(" '%s=%s'", name.c_str(), value.c_str());
+    }
+    std::printf(" %s\nIn gdb, give each with \"set environment NAME VALUE\".\n",
+                qUtf8Printable(m_settings.application));
+    std::fflush(stdout);
+}
+
+QString Rig::statistics() const {
+    const board::Traffic traffic = m_board->traffic();
+    const DisplayModule::Counts counts = m_module.counts();
+    return QStringLiteral("spi-messages: %1\n"
+                          "spi-bytes: %2\n"
+                          "frames: %3\n"
+                          "lists: %4\n"
+                          "touch-tag-reads: %5\n"
+                          "requests: %6\n"
+                          "application-pid: %7\n"
+                          "application-memory-kB: %8\n")
+        .arg(traffic.messages)
+        .arg(traffic.bytes)
+        .arg(counts.frames)
+        .arg(counts.swaps)
+        .arg(counts.touchTagReads)
+        .arg(m_requests.count())
+        .arg(m_application->processId())
+        .arg(m_application->residentKilobytes());
+}
+
+} // namespace panel

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "application.h"
+#include "bustrace.h"
+#include "commandline.h"
+#include "complaints.h"
+#include "displaymodule.h"
+#include "exitstatus.h"
+#include "pictures.h"
+#include "requestlog.h"
+#include "serverthread.h"
+#include "virtualboard.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace panel {
+
+// The whole virtual instrument: display module, board, application and measurement server, put
+// together and kept going. A window or a session stands on top of it.
+class Rig : public QObject {
+    Q_OBJECT
+
+public:
+    struct Failure {
+        ExitStatus status = ExitStatus::Success;
+        QString text;
+        explicit operator bool() const { return status != ExitStatus::Success; }
+    };
+
+    explicit Rig(const Settings& settings);
+    ~Rig() override;
+
+    // Sets everything up and starts what the settings ask for. To be called once, before anything
+    // below is used; after a failure nothing below may be.
+    Failure start();
+
+    DisplayModule& module() { return m_module; }
+    board::VirtualBoard& board() { return *m_board; }
+    Application& application() { return *m_application; }
+    ServerThread& server() { return m_server; }
+    Complaints& complaints() { return m_complaints; }
+    RequestLog& requests() { return m_requests; }
+
+    const PictureStore& pictures() const { return m_pictures; }
+
+    // "name: value" lines: what crossed the bus, frames, requests, the application's memory.
+    QString statistics() const;
+
+signals:
+    void ticked(); // about every 5 ms, after the model has been brought up to the present
+    void complained(const QString& text); // the first complaint that is not allowed
+    void requestReceived();               // it is in requests() now
+
+private:
+    Failure startTrace();
+    Failure startBoard();
+    QProcessEnvironment boardEnvironment() const;
+    void announceEnvironment() const;
+
+    const Settings m_settings;
+    Complaints m_complaints;
+    std::unique_ptr<BusTrace> m_trace;
+    DisplayModule m_module;
+    std::unique_ptr<board::VirtualBoard> m_board;
+    std::unique_ptr<Application> m_application;
+    ServerThread m_server;
+    RequestLog m_requests;
+    PictureStore m_pictures;
+    QTimer m_timer;
+};
+
+} // namespace panel

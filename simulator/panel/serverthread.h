@@ -1,0 +1,45 @@
+#pragma once
+
+#include "measurementserver.h"
+
+#include <QObject>
+#include <QString>
+#include <QThread>
+
+#include <cstdint>
+#include <functional>
+
+namespace panel {
+
+// The measurement server on a thread of its own, so that its replies are never late because of
+// the drawing of a picture or the like. To be used from the thread it was created on.
+class ServerThread : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ServerThread(std::uint32_t seed, QObject* parent = nullptr);
+    ~ServerThread() override;
+
+    // Listens; false when it cannot, and error() says why and what to do.
+    bool start();
+    void stop(); // closes the port and every connection
+    bool isListening() const { return m_listening; }
+    int connections() const { return m_connections; }
+    QString error() const { return m_error; }
+
+    // Runs `action` on the server, on its thread, and returns when that is done.
+    void apply(const std::function<void(server::MeasurementServer&)>& action);
+
+signals:
+    void requestReceived(const QString& request);
+    void stateChanged();
+
+private:
+    QThread m_thread;
+    server::MeasurementServer* m_server; // owned; lives on m_thread
+    bool m_listening = false;
+    int m_connections = 0;
+    QString m_error;
+};
+
+} // namespace panel

@@ -1,0 +1,210 @@
+#include "script.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace panel::script {
+namespace {
+
+using testing::StartsWith;
+
+Script parsed(const char* text) {
+    return parse(QString::fromUtf8(text), QStringLiteral("s.txt"));
+}
+
+std::string errorOf(const char* text) {
+    return parsed(text).error.toStdString();
+}
+
+// The action of the script's only line, which must be one of kind T.
+template<typename T>
+T only(const char* text) {
+    const Script script = parsed(text);
+    EXPECT_EQ(script.error.toStdString(), "");
+    if (script.statements.size() != 1 || !std::holds_alternative<T>(script.statements[0].action)) {
+        ADD_FAILURE() << "not one statement of the wanted kind: " << text;
+        return {};
+    }
+    return std::get<T>(script.statements[0].action);
+}
+
+template<typename T>
+T onlyFrameStep(const char* text) {
+    const auto step = only<FrameStep>(text);
+    if (!std::holds_alternative<T>(step)) {
+        ADD_FAILURE() << "not a frame step of the wanted kind: " << text;
+        return {};
+    }
+    return std::get<T>(step);
+}
+
+TEST(Script, WaitsForTimeFramesAndSwaps) {
+    EXPECT_EQ(only<WaitTime>("wait time 1.5s").duration.count(), 1500);
+    EXPECT_EQ(only<WaitTime>("wait time 20ms").duration.count(), 20);
+    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 3").count, 3U);
+    EXPECT_EQ(onlyFrameStep<WaitSwaps>("wait swaps 12").count, 12U);
+    onlyFrameStep<WaitQuiet>("wait quiet");
+}
+
+TEST(Script, WaitsForTextAndItsEnd) {
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \"COUNTER MODE\"").pattern, "COUNTER MODE");
+    EXPECT_TRUE(onlyFrameStep<WaitText>("wait text 12").present);
+    EXPECT_FALSE(onlyFrameStep<WaitText>("wait no-text \"Please wait\"").present);
+}
+
+TEST(Script, WaitsForRequestsAndConnections) {
+    EXPECT_EQ(only<WaitRequest>("wait request \"START *\"").pattern, "START *");
+    EXPECT_TRUE(only<WaitConnection>("wait connection").connected);
+    EXPECT_FALSE(only<WaitConnection>("wait no-connection").connected);
+}
+
+TEST(Script, WaitsForTheApplicationsEnd) {
+    EXPECT_FALSE(only<WaitExit>("wait exit").status.has_value());
+    EXPECT_EQ(only<WaitExit>("wait exit 1").status, 1);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 6").signal, 6);
+}
+
+TEST(Script, MovesTheFinger) {
+    const auto press = only<Finger>("press 479 271");
+    EXPECT_EQ(press.action, Finger::Action::Press);
+    EXPECT_EQ(press.x, 479);
+    EXPECT_EQ(press.y, 271);
+    EXPECT_FALSE(press.now);
+    EXPECT_TRUE(only<Finger>("move 10 20 now").now);
+    EXPECT_EQ(only<Finger>("move 10 20").action, Finger::Action::Move);
+    EXPECT_EQ(only<Finger>("release").action, Finger::Action::Release);
+    EXPECT_TRUE(only<Finger>("release now").now);
+    EXPECT_EQ(only<Finger>("tap 0 0").action, Finger::Action::Tap);
+}
+
+TEST(Script, TakesScreenshots) {
+    EXPECT_EQ(onlyFrameStep<Screenshot>("screenshot counter-1").name, "counter-1");
+    EXPECT_FALSE(onlyFrameStep<Screenshot>("screenshot counter").now);
+    EXPECT_TRUE(onlyFrameStep<Screenshot>("screenshot counter now").now);
+}
+
+TEST(Script, CommandsTheServer) {
+    EXPECT_TRUE(only<ServerSwitch>("server start").on);
+    EXPECT_FALSE(only<ServerSwitch>("server stop").on);
+    const std::array<double, 4> values{1, -2.5, 3e6, 0};
+    EXPECT_EQ(only<ServerValues>("server values 1 -2.5 3e6 0").values, values);
+    EXPECT_FALSE(only<ServerValues>("server values random").values.has_value());
+    EXPECT_EQ(only<ServerFault>("server fault nul-byte").fault, server::Fault::NulByte);
+    const auto reply = only<ServerReply>("server reply START Error");
+    EXPECT_EQ(reply.command, "START");
+    EXPECT_EQ(reply.reply, QByteArray("Error\n"));
+    EXPECT_EQ(only<ServerReply>("server reply DATA? \"\"").reply, QByteArray(""));
+    EXPECT_FALSE(only<ServerReply>("server reply START default").reply.has_value());
+    const auto params = only<ServerParams>("server params 0.2 0.1 0.2 0.3 0.4");
+    EXPECT_EQ(params.timeConstant, 0.2);
+    EXPECT_EQ(params.levels[3], 0.4);
+}
+
+TEST(Script, CommandsApplicationBoardAndController) {
+    EXPECT_TRUE(only<ApplicationSwitch>("application start").on);
+    EXPECT_FALSE(only<ApplicationSwitch>("application kill").on);
+    EXPECT_FALSE(only<BoardTransfers>("board transfers failing").working);
+    EXPECT_TRUE(only<BoardTransfers>("board transfers working").working);
+    EXPECT_EQ(only<ControllerIdentity>("controller identity 0x00011308").word, 0x11308U);
+    EXPECT_FALSE(only<ControllerAnswering>("controller answering no").answering);
+    EXPECT_EQ(only<AllowComplaint>("allow complaint \"unknown*\"").pattern, "unknown*");
+}
+
+TEST(Script, MarksExpectsAndReports) {
+    only<Mark>("mark");
+    only<Report>("report");
+    only<End>("end");
+    EXPECT_TRUE(onlyFrameStep<ExpectText>("expect text Ok").present);
+    EXPECT_FALSE(onlyFrameStep<ExpectText>("expect no-text Ok").present);
+    const auto requests = only<ExpectRequests>("expect requests \"START 1\" STOP");
+    EXPECT_EQ(requests.patterns, QStringList({"START 1", "STOP"}));
+    EXPECT_FALSE(requests.withData);
+    EXPECT_TRUE(only<ExpectRequests>("expect all-requests DATA?").withData);
+    EXPECT_EQ(only<ExpectNoRequest>("expect no-request STOP").pattern, "STOP");
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 64").atMostKilobytes, 64);
+}
+
+TEST(Script, KeepsLineNumbersAndSkipsCommentsAndEmptyLines) {
+    const Script script = parsed("# a session\n\n  tap 1 2   # the start button\n\nend\n");
+    ASSERT_EQ(script.statements.size(), 2U);
+    EXPECT_EQ(script.statements[0].line, 3);
+    EXPECT_EQ(script.statements[0].text, "tap 1 2   # the start button");
+    EXPECT_EQ(script.statements[1].line, 5);
+}
+
+TEST(Script, LimitsWaitsOnRequest) {
+    EXPECT_EQ(parsed("wait request STOP within 2s").statements[0].limit.count(), 2000);
+    EXPECT_EQ(parsed("screenshot a now within 1s").statements[0].limit.count(), 1000);
+    EXPECT_EQ(parsed("wait request STOP").statements[0].limit, defaultWaitLimit);
+    EXPECT_EQ(errorOf("mark within 2s"),
+              "s.txt:1: \"within\" has no meaning for \"mark\"; leave it out");
+    EXPECT_EQ(errorOf("wait quiet within soon"),
+              "s.txt:1: the limit must be a time such as 500ms or 2s, not \"soon\"");
+}
+
+TEST(Script, QuotedTextMayHoldAnything) {
+    EXPECT_EQ(onlyFrameStep<WaitText>(R"(wait text "a \"b\" # \\ c")").pattern, R"(a "b" # \ c)");
+    EXPECT_EQ(errorOf("end\nwait text \"open"),
+              "s.txt:2: a quotation mark is not closed; end the text with \"");
+}
+
+TEST(Script, NamesTheCommandsWhenOneIsUnknown) {
+    EXPECT_THAT(errorOf("tpa 1 2"),
+                StartsWith("s.txt:1: there is no command \"tpa\"; there is wait time, wait "));
+    EXPECT_EQ(
+        errorOf("server restart"),
+        "s.txt:1: there is no command \"server restart\"; there is server start, server stop, "
+        "server values, server fault, server reply, server params");
+    EXPECT_EQ(errorOf("wait"), "s.txt:1: the second word of \"wait\" is missing");
+}
+
+TEST(Script, SaysWhatIsMissingOrTooMuch) {
+    EXPECT_EQ(errorOf("tap 5"), "s.txt:1: Y is missing");
+    EXPECT_EQ(errorOf("wait text"), "s.txt:1: the text is missing");
+    EXPECT_EQ(errorOf("expect requests"), "s.txt:1: a request is missing");
+    EXPECT_EQ(errorOf("wait text COUNTER MODE"),
+              "s.txt:1: \"MODE\" is too much; put texts with blanks in quotation marks");
+    EXPECT_THAT(errorOf("tap 1 2 now"), StartsWith("s.txt:1: \"now\" is too muc"));
+}
+
+TEST(Script, SaysWhatIsNoNumber) {
+    EXPECT_EQ(errorOf("tap 480 0"), "s.txt:1: X must be a whole number from 0 to 479, not \"480\"");
+    EXPECT_EQ(errorOf("tap 0 272"), "s.txt:1: Y must be a whole number from 0 to 271, not \"272\"");
+    EXPECT_EQ(errorOf("wait frames 0"),
+              "s.txt:1: the count must be a whole number from 1 to 1000000, not \"0\"");
+    EXPECT_EQ(errorOf("wait time 5"),
+              "s.txt:1: TIME must be a time such as 500ms or 2s, not \"5\"");
+    EXPECT_THAT(errorOf("wait time -1s"), StartsWith("s.txt:1: TIME must be a"));
+    EXPECT_EQ(errorOf("server values 1 2 x 4"),
+              "s.txt:1: a channel's value (four, or \"random\") must be a number, not \"x\"");
+    EXPECT_THAT(errorOf("controller identity zz"), StartsWith("s.txt:1: the identity must be "));
+    EXPECT_THAT(errorOf("wait exit 256"), StartsWith("s.txt:1: the exit status must be "));
+}
+
+TEST(Script, SaysWhichWordsThereAre) {
+    EXPECT_EQ(errorOf("board transfers broken"),
+              "s.txt:1: the state must be \"working\" or \"failing\", not \"broken\"");
+    EXPECT_THAT(errorOf("server fault slow"),
+                StartsWith("s.txt:1: the server knows no fault \"slow\"; it knows none, si"));
+    EXPECT_EQ(errorOf("screenshot ../a"),
+              "s.txt:1: a picture's name has letters, digits, '-', '_' and '.' only, not \"../a\"");
+}
+
+TEST(Script, StopsAtTheFirstMistake) {
+    EXPECT_EQ(errorOf("tap x y\nnonsense"),
+              "s.txt:1: X must be a whole number from 0 to 479, not \"x\"");
+}
+
+TEST(Script, AnEmptyScriptIsGood) {
+    EXPECT_EQ(errorOf(""), "");
+    EXPECT_TRUE(parsed("# nothing\n").statements.empty());
+}
+
+TEST(Script, HelpNamesEveryFault) {
+    for (const QString& name : server::faultNames()) {
+        EXPECT_TRUE(help().contains(name)) << name.toStdString();
+    }
+}
+
+} // namespace
+} // namespace panel::script
