@@ -90,7 +90,7 @@ private:
         const int bit = x * m_font.bitsPerPixel;
         const int value = m_font.bitsPerPixel == 1 ? ink & 1 : ink; // full ink is all ones
         std::uint8_t& byte =
-            m_cell[static_cast<std::size_t>(y) * m_stride + static_cast<std::size_t>(bit / 8)];
+            m_cell[static_cast<std::size_t>(y) * m_stride + static_cast<std::size_t>(bit) / 8];
         byte = static_cast<std::uint8_t>(byte | value << (8 - m_font.bitsPerPixel - bit % 8));
     }
 

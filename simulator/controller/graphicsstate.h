@@ -69,10 +69,13 @@ struct GraphicsState {
     int translateY = 0;
 };
 
+constexpr std::uint32_t paletteMemoryE1 = 0x102000; // E1's palette is always there
+
 inline GraphicsState initialState(Generation generation) {
     GraphicsState state;
     if (generation == Generation::E1) {
         state.scissor = {0, 0, 512, 512};
+        state.paletteSource = paletteMemoryE1;
     }
     return state;
 }

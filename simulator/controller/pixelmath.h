@@ -37,14 +37,6 @@ constexpr std::uint32_t gathered(std::uint64_t word) {
     return static_cast<std::uint32_t>(word | word >> 24);
 }
 
-// source * alpha + destination * (1 - alpha) in each channel, rounded to nearest.
-constexpr std::uint32_t blended(std::uint32_t destination, std::uint64_t spreadSource,
-                                std::uint32_t alpha) {
-    const std::uint64_t sum =
-        spreadSource * alpha + spread(destination) * (opaque - alpha) + 0x0080008000800080;
-    return gathered((sum + (sum >> 8 & lanes)) >> 8 & lanes);
-}
-
 // Channel by channel product.
 constexpr std::uint32_t modulated(std::uint32_t pixel, std::uint32_t color) {
     return multiplied(alphaOf(pixel), alphaOf(color)) << 24 |

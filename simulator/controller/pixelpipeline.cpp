@@ -3,6 +3,7 @@
 #include "pixelmath.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace controller {
@@ -70,6 +71,66 @@ std::uint32_t blendFactor(std::uint32_t factor, std::uint32_t sourceAlpha,
     }
 }
 
+// --- the usual blend, for whole rows
+
+// Rows are blended in blocks, whose sources and weights are laid out like the pixels: the loop
+// over their bytes is one that compilers turn into vector instructions.
+struct BlendBlock {
+    static constexpr std::size_t size = 64; // pixels
+    std::array<std::uint32_t, size> sources;
+    std::array<std::uint32_t, size> weights; // the source's alpha in each channel
+
+    void set(std::size_t i, std::uint32_t rgb, std::uint32_t alpha) {
+        sources[i] = withAlpha(rgb, alpha);
+        weights[i] = alpha | alpha << 8 | alpha << 16 | alpha << 24;
+    }
+
+    void blendInto(std::uint32_t* pixels, std::size_t count) const {
+        blendBytes(reinterpret_cast<std::uint8_t*>(pixels),
+                   reinterpret_cast<const std::uint8_t*>(sources.data()),
+                   reinterpret_cast<const std::uint8_t*>(weights.data()), count * sizeof *pixels);
+    }
+
+private:
+    // Rounds like mixed() does, so that a weight of 0 leaves a byte as it is.
+    static void blendBytes(std::uint8_t* destination, const std::uint8_t* source,
+                           const std::uint8_t* weight, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto sum = static_cast<std::uint16_t>(source[i] * weight[i] +
+                                                        destination[i] * (255 - weight[i]) + 128);
+            destination[i] = static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
+        }
+    }
+};
+
+// Blends `count` pixels; `setPixel` (block, index in the block, index in the row) says with what.
+template<typename SetPixel>
+void blendRow(std::uint32_t* pixels, std::size_t count, SetPixel setPixel) {
+    BlendBlock block;
+    for (std::size_t done = 0; done < count; done += BlendBlock::size) {
+        const std::size_t now = std::min(BlendBlock::size, count - done);
+        for (std::size_t i = 0; i < now; ++i) {
+            setPixel(block, i, done + i);
+        }
+        block.blendInto(pixels + done, now);
+    }
+}
+
+// Blends a colour in, its alpha scaled by that of each pixel.
+void blendColor(std::uint32_t* pixels, std::size_t count, std::uint32_t color,
+                const std::uint8_t* alphas) {
+    const std::uint32_t colorAlpha = alphaOf(color);
+    if (colorAlpha == opaque) {
+        blendRow(pixels, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
+            block.set(i, color, alphas[at]);
+        });
+    } else {
+        blendRow(pixels, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
+            block.set(i, color, multiplied(colorAlpha, alphas[at]));
+        });
+    }
+}
+
 // Nothing but the usual blend into all channels.
 bool isPlain(const GraphicsState& state) {
     return state.alphaFunction == test::Always && state.stencilFunction == test::Always &&
@@ -115,7 +176,9 @@ void PixelPipeline::clear(bool color, bool stencil, bool tag) {
                 m_pixels[i] = (m_pixels[i] & ~mask) | (m_state->clearColor & mask);
             }
         }
-        if (stencil) {
+        if (stencil && stencilMask == 255) {
+            std::memset(m_stencil.data() + first, m_state->clearStencil, count);
+        } else if (stencil) {
             for (std::size_t i = first; i < first + count; ++i) {
                 m_stencil[i] = static_cast<std::uint8_t>((m_stencil[i] & ~stencilMask) |
                                                          (m_state->clearStencil & stencilMask));
@@ -143,10 +206,9 @@ void PixelPipeline::fill(int y, int left, int right) {
     if (alphaOf(color) == opaque) {
         std::fill_n(m_pixels + first, count, color);
     } else {
-        const std::uint64_t source = spread(color);
-        for (std::size_t i = first; i < first + count; ++i) {
-            m_pixels[i] = blended(m_pixels[i], source, alphaOf(color));
-        }
+        blendRow(m_pixels + first, count, [=](BlendBlock& block, std::size_t i, std::size_t) {
+            block.set(i, color, alphaOf(color));
+        });
     }
     fillTags(first, count);
 }
@@ -154,19 +216,19 @@ void PixelPipeline::fill(int y, int left, int right) {
 void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t* coverage) {
     const std::size_t first = offset(left, y);
     const std::uint32_t color = m_state->color;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (coverage[i] == 0) {
-            continue;
+    if (!m_plain) {
+        for (std::size_t i = 0; i < count; ++i) {
+            if (coverage[i] != 0) {
+                drawFragment(first + i, withAlpha(color, multiplied(alphaOf(color), coverage[i])));
+            }
         }
-        const std::uint32_t alpha = multiplied(alphaOf(color), coverage[i]);
-        const std::uint32_t source = withAlpha(color, alpha);
-        if (!m_plain) {
-            drawFragment(first + i, source);
-            continue;
-        }
-        m_pixels[first + i] = blended(m_pixels[first + i], spread(source), alpha);
-        if (m_state->tagging) {
-            m_tags[first + i] = m_state->tag;
+        return;
+    }
+    blendColor(m_pixels + first, count, color, coverage);
+    if (m_state->tagging) {
+        std::uint8_t* tags = m_tags + first;
+        for (std::size_t i = 0; i < count; ++i) {
+            tags[i] = coverage[i] != 0 ? m_state->tag : tags[i];
         }
     }
 }
@@ -174,21 +236,13 @@ void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t
 void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t* alphas) {
     const std::size_t first = offset(left, y);
     const std::uint32_t color = m_state->color;
-    const std::uint32_t colorAlpha = alphaOf(color);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
-            drawFragment(first + i, withAlpha(color, multiplied(colorAlpha, alphas[i])));
+            drawFragment(first + i, withAlpha(color, multiplied(alphaOf(color), alphas[i])));
         }
         return;
     }
-    const std::uint64_t source = spread(withAlpha(color, 0));
-    std::uint32_t* pixels = m_pixels + first;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t alpha = multiplied(colorAlpha, alphas[i]);
-        if (alpha != 0) {
-            pixels[i] = blended(pixels[i], source | static_cast<std::uint64_t>(alpha) << 48, alpha);
-        }
-    }
+    blendColor(m_pixels + first, count, color, alphas);
     fillTags(first, count);
 }
 
@@ -200,9 +254,9 @@ void PixelPipeline::paint(int y, int left, std::size_t count, const std::uint32_
         }
         return;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        m_pixels[first + i] = blended(m_pixels[first + i], spread(pixels[i]), alphaOf(pixels[i]));
-    }
+    blendRow(m_pixels + first, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
+        block.set(i, pixels[at], alphaOf(pixels[at]));
+    });
     fillTags(first, count);
 }
 

@@ -129,8 +129,8 @@ TEST(FontRom, DigitsAreEquallyWide) {
     for (const Generation generation : generations) {
         for (const int number : fontsOf(generation)) {
             const RomFont& font = romFont(generation, number);
-            for (char digit = '0'; digit <= '9'; ++digit) {
-                EXPECT_EQ(font.widths[static_cast<std::size_t>(digit)], font.widths['0']);
+            for (std::size_t digit = '0'; digit <= '9'; ++digit) {
+                EXPECT_EQ(font.widths[digit], font.widths['0']);
             }
         }
     }
