@@ -1,5 +1,6 @@
 #include "datareader.h"
 #include "debuglog.h"
+#include "qtprinting.h"
 #include "scriptedserver.h"
 
 #include <QAbstractEventDispatcher>
@@ -18,14 +19,6 @@
 #include <ostream>
 #include <type_traits>
 #include <vector>
-
-// How GoogleTest prints Qt's strings.
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << text.toStdString();
-}
-void PrintTo(const QByteArray& text, std::ostream* out) {
-    *out << text.toStdString();
-}
 
 namespace {
 
