@@ -35,7 +35,7 @@ constexpr uint32_t wordSize = 4;
 
 enum class Drain : uint8_t { Wait, DontWait };
 
-// `bits` of `value` from bit `shift` on, as a byte.
+// The eight bits of `value` from bit `shift` on.
 constexpr uint8_t byteOf(uint32_t value, unsigned shift) {
     return static_cast<uint8_t>(value >> shift);
 }

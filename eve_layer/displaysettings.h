@@ -11,6 +11,8 @@
 // the panel in force ("__DispWidth"). The memory maps of the generations differ; looking numbers up
 // at each use lets one program drive them all. Main thread only.
 class DisplaySettings {
+    Q_DISABLE_COPY(DisplaySettings)
+
 public:
     enum DisplayGeneration : uint32_t { EVE_1 = 0, EVE_2 = 1, EVE_3 = 2 };
 
