@@ -1,0 +1,331 @@
+#include "App_Common.h"
+#include "CoPro_Cmds.h"
+#include "drawingtest.h"
+
+#include <algorithm>
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::SizeIs;
+
+constexpr uint32_t dlstart = 0xFFFFFF00;
+constexpr std::size_t streamWords = 6224 / 4;
+constexpr std::size_t inflateWords = 2;
+
+Words joined(const std::vector<Words>& parts) {
+    Words whole;
+    for (const Words& part : parts) {
+        whole.insert(whole.end(), part.begin(), part.end());
+    }
+    return whole;
+}
+
+const Words firstFrame = joined({
+    // start of the frame
+    {0xFFFFFF00, 0x02FFFFFF, 0x26000007, 0x0500000F, 0x1F000001, 0xFFFFFF26, 0xFFFFFF28, 0x00009999,
+     0x00009999, 0xFFFFFF2A, 0x04231F20},
+    // piece 0
+    {0x01000000, 0x07104A91, 0x08105A57, 0x28000000, 0x29000000, 0x7E9305C2},
+    // piece 1
+    {0x010014F5, 0x07106EDA, 0x08108483, 0x28000000, 0x29000000, 0x7DE6045F},
+    // piece 2
+    {0x010043CB, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x7DB6066F},
+    // piece 3
+    {0x01004561, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x7DB60965},
+    // piece 4
+    {0x010046F7, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7E1B05A5},
+    // piece 5
+    {0x0100489B, 0x07101E1D, 0x08102412, 0x28000000, 0x29000000, 0x7E1B0A39},
+    // piece 6
+    {0x01004A4E, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7E8484D2},
+    // piece 7
+    {0x01004BF2, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7E848B0C},
+    // piece 8
+    {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE03FF},
+    // piece 9, in its own colour
+    {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE0BDF},
+    // piece 10, its window widened to the screen
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
+     0x29000000},
+    // placed and turned by its transform
+    {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
+     0xFFFFC000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
+    // piece 11
+    {0x0100C50E, 0x0710C278, 0x0810EA48, 0x28000000, 0x29000000, 0x4F2105B9},
+    // piece 12
+    {0x04231F20, 0x10000000, 0x0100F286, 0x07125A1D, 0x0812D412, 0x28000000, 0x29000000,
+     0x438F8AD2},
+    // end of the frame
+    {0x00000000, 0xFFFFFF01},
+});
+
+const Words frame40 = joined({
+    // start of the frame
+    {0xFFFFFF00, 0x02FFFFFF, 0x26000007, 0x0500000F, 0x1F000001, 0xFFFFFF26, 0xFFFFFF28, 0x00009999,
+     0x00009999, 0xFFFFFF2A, 0x04231F20},
+    // piece 0
+    {0x01000000, 0x07104A91, 0x08105A57, 0x28000000, 0x29000000, 0x40F305C2},
+    // piece 1
+    {0x010014F5, 0x07106EDA, 0x08108483, 0x28000000, 0x29000000, 0x4030045F},
+    // piece 2
+    {0x010043CB, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x7FDB066F},
+    // piece 3
+    {0x01004561, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x7FA38965},
+    // piece 4
+    {0x010046F7, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7FBB05A5},
+    // piece 5
+    {0x0100489B, 0x07101E1D, 0x08102412, 0x28000000, 0x29000000, 0x7F540A39},
+    // piece 6
+    {0x01004A4E, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7F3804D2},
+    // piece 7
+    {0x01004BF2, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x7E918B0C},
+    // piece 8
+    {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE03FF},
+    // piece 9, in its own colour
+    {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE0BDF},
+    // piece 10, its window widened to the screen
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
+     0x29000000},
+    // placed and turned by its transform
+    {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
+     0xFFFFF68D, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
+    // piece 11
+    {0x0100C50E, 0x0710C278, 0x0810EA48, 0x28000000, 0x29000000, 0x4F2105B9},
+    // piece 12
+    {0x04231F20, 0x10000000, 0x0100F286, 0x07125A1D, 0x0812D412, 0x28000000, 0x29000000,
+     0x438F8AD2},
+    // end of the frame
+    {0x00000000, 0xFFFFFF01},
+});
+
+const Words lastFrame = joined({
+    // start of the frame
+    {0xFFFFFF00, 0x02FFFFFF, 0x26000007, 0x0500000F, 0x1F000001, 0xFFFFFF26, 0xFFFFFF28, 0x00009999,
+     0x00009999, 0xFFFFFF2A, 0x04231F20},
+    // piece 0
+    {0x01000000, 0x07104A91, 0x08105A57, 0x28000000, 0x29000000, 0x410305C2},
+    // piece 1
+    {0x010014F5, 0x07106EDA, 0x08108483, 0x28000000, 0x29000000, 0x4056045F},
+    // piece 2
+    {0x010043CB, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x4026066F},
+    // piece 3
+    {0x01004561, 0x07101C1D, 0x08102212, 0x28000000, 0x29000000, 0x40260965},
+    // piece 4
+    {0x010046F7, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x408B05A5},
+    // piece 5
+    {0x0100489B, 0x07101E1D, 0x08102412, 0x28000000, 0x29000000, 0x408B0A39},
+    // piece 6
+    {0x01004A4E, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x40F484D2},
+    // piece 7
+    {0x01004BF2, 0x07101E1C, 0x08102411, 0x28000000, 0x29000000, 0x40F48B0C},
+    // piece 8
+    {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x415E03FF},
+    // piece 9, in its own colour
+    {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x415E0BDF},
+    // piece 10, its window widened to the screen
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
+     0x29000000},
+    // placed and turned by its transform
+    {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
+     0x00000000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
+    // piece 11
+    {0x0100C50E, 0x0710C278, 0x0810EA48, 0x28000000, 0x29000000, 0x4B3185B9},
+    // piece 12
+    {0x04231F20, 0x100000FE, 0x0100F286, 0x07125A1D, 0x0812D412, 0x28000000, 0x29000000,
+     0x438F8AD2},
+    // end of the frame
+    {0x00000000, 0xFFFFFF01},
+});
+
+const Words firstFrameEve1 = joined({
+    // start of the frame
+    {0xFFFFFF00, 0x02FFFFFF, 0x26000007, 0x0500000F, 0x1F000001, 0xFFFFFF26, 0xFFFFFF28, 0x00009999,
+     0x00009999, 0xFFFFFF2A, 0x04231F20},
+    // piece 0
+    {0x01000000, 0x07104A91, 0x08105A57, 0x7E9305C2},
+    // piece 1
+    {0x010014F5, 0x07106EDA, 0x08108483, 0x7DE6045F},
+    // piece 2
+    {0x010043CB, 0x07101C1D, 0x08102212, 0x7DB6066F},
+    // piece 3
+    {0x01004561, 0x07101C1D, 0x08102212, 0x7DB60965},
+    // piece 4
+    {0x010046F7, 0x07101E1C, 0x08102411, 0x7E1B05A5},
+    // piece 5
+    {0x0100489B, 0x07101E1D, 0x08102412, 0x7E1B0A39},
+    // piece 6
+    {0x01004A4E, 0x07101E1C, 0x08102411, 0x7E8484D2},
+    // piece 7
+    {0x01004BF2, 0x07101E1C, 0x08102411, 0x7E848B0C},
+    // piece 8
+    {0x01004D96, 0x07101C1C, 0x08102211, 0x7EEE03FF},
+    // piece 9, in its own colour
+    {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x7EEE0BDF},
+    // piece 10, its window widened to the screen
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x0813C110},
+    // placed and turned by its transform
+    {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
+     0xFFFFC000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
+    // piece 11
+    {0x0100C50E, 0x0710C278, 0x0810EA48, 0x4F2105B9},
+    // piece 12
+    {0x04231F20, 0x10000000, 0x0100F286, 0x07125A1D, 0x0812D412, 0x438F8AD2},
+    // end of the frame
+    {0x00000000, 0xFFFFFF01},
+});
+
+class LogoTest : public DrawingTest {
+protected:
+    // The commands of each frame, from DLSTART to the next; the last has none of its own.
+    static std::vector<Words> frames() {
+        const Words all = board.commandWords();
+        std::vector<Words> split;
+        for (std::size_t i = inflateWords + streamWords; i < all.size(); ++i) {
+            if (all[i] == dlstart) {
+                split.emplace_back();
+            }
+            split.back().push_back(all[i]);
+        }
+        return split;
+    }
+
+    // One word of every frame but the last, which only clears.
+    static Words wordOfFrames(std::size_t index) {
+        std::vector<Words> all = frames();
+        all.pop_back();
+        Words words;
+        std::transform(all.begin(), all.end(), std::back_inserter(words),
+                       [index](const Words& frame) { return frame.at(index); });
+        return words;
+    }
+};
+
+// Places of words in a frame of EVE_3.
+constexpr std::size_t angleWord = 11 + 10 * 6 + 1 + 9 + 8;
+constexpr std::size_t rightPieceVertex = angleWord + 7 + 5;
+constexpr std::size_t alphaWord = rightPieceVertex + 2;
+
+TEST_F(LogoTest, ThePiecesAreInflatedToGeneralMemoryAddress0) {
+    App_Show_Logo(&host);
+    const Words all = board.commandWords();
+    EXPECT_THAT(Words(all.begin(), all.begin() + 2), ElementsAre(0xFFFFFF22, 0));
+    // A zlib stream, and nothing but the first frame behind it.
+    const uint32_t zlibHeader = (all[2] & 0xFFU) << 8 | ((all[2] >> 8) & 0xFFU);
+    EXPECT_EQ(zlibHeader % 31, 0U);
+    EXPECT_EQ(zlibHeader >> 8 & 0xFU, 8U);
+    EXPECT_EQ(all[inflateWords + streamWords], dlstart);
+}
+
+TEST_F(LogoTest, PlaysAHundredAndTwentyFramesAndClears) {
+    App_Show_Logo(&host);
+    const std::vector<Words> all = frames();
+    ASSERT_THAT(all, SizeIs(121));
+    for (std::size_t i = 0; i < 120; ++i) {
+        EXPECT_THAT(all[i], SizeIs(firstFrame.size()));
+        EXPECT_EQ(all[i].back(), 0xFFFFFF01U);
+    }
+    EXPECT_THAT(all.back(), ElementsAre(dlstart));
+}
+
+TEST_F(LogoTest, TheFirstFrameHasEveryPieceAtItsStart) {
+    App_Show_Logo(&host);
+    EXPECT_THAT(frames().front(), ElementsAreArray(firstFrame));
+}
+
+TEST_F(LogoTest, InFrame40TheLeftPiecesAndTheTurnAreOnTheirWay) {
+    App_Show_Logo(&host);
+    EXPECT_THAT(frames().at(40), ElementsAreArray(frame40));
+}
+
+TEST_F(LogoTest, TheLastFrameHasEveryPieceAtItsPlace) {
+    App_Show_Logo(&host);
+    EXPECT_THAT(frames().at(119), ElementsAreArray(lastFrame));
+}
+
+TEST_F(LogoTest, Eve1HasNoUpperBitsOfLayoutAndSize) {
+    use(DisplaySettings::EVE_1);
+    App_Show_Logo(&host);
+    const std::vector<Words> all = frames();
+    ASSERT_THAT(all, SizeIs(121));
+    EXPECT_THAT(all.front(), ElementsAreArray(firstFrameEve1));
+}
+
+TEST_F(LogoTest, ThePieceThatTurnsGoesFromAQuarterTurnBackToNone) {
+    App_Show_Logo(&host);
+    Words angles = wordOfFrames(angleWord);
+    EXPECT_EQ(angles[0], 0xFFFFC000U);
+    EXPECT_EQ(angles[11], 0xFFFFC000U); // 11 x 550 is before 6553
+    EXPECT_NE(angles[13], 0xFFFFC000U);
+    EXPECT_EQ(angles[72], 0U); // 72 x 550 is a full run behind 6553 at twice the speed
+    std::replace(angles.begin(), angles.end(), 0U, 0xFFFFFFFFU);
+    EXPECT_TRUE(std::is_sorted(angles.begin(), angles.end()));
+}
+
+TEST_F(LogoTest, TheRightPieceComesInFromTheRight) {
+    App_Show_Logo(&host);
+    const Words vertices = wordOfFrames(rightPieceVertex);
+    EXPECT_EQ(vertices[47], vertices[0]); // 47 x 550 is before 26214
+    EXPECT_NE(vertices[48], vertices[0]);
+    EXPECT_EQ(vertices[88],
+              vertices[119]); // 88 x 550 is a full run behind, at three times the speed
+    EXPECT_TRUE(std::is_sorted(vertices.rbegin(), vertices.rend()));
+}
+
+TEST_F(LogoTest, TheLastPieceFadesIn) {
+    App_Show_Logo(&host);
+    const Words alphas = wordOfFrames(alphaWord);
+    EXPECT_THAT(Words(alphas.begin(), alphas.begin() + 90), Each(0x10000000)); // until 49152
+    EXPECT_EQ(alphas[90], 0x1000000FU);
+    EXPECT_EQ(alphas[119], 0x100000FEU);
+    EXPECT_TRUE(std::is_sorted(alphas.begin(), alphas.end()));
+}
+
+TEST_F(LogoTest, EveryFrameIsConsumedBeforeTheNextIsSent) {
+    App_Show_Logo(&host);
+    EXPECT_EQ(board.peek(0x3020F8), board.peek(0x3020FC));
+    const auto waits = board.transactions(Transaction::Read, 0x3020FC).size();
+    EXPECT_GE(waits, 2U * 121U);
+}
+
+TEST_F(LogoTest, LeavesTheScreenClearedAndTheBufferEmpty) {
+    App_Show_Logo(&host);
+    EXPECT_THAT(
+        board.transactions(Transaction::Write, 0x300000),
+        ElementsAre(Transaction::write(0x300000, {0, 0, 0, 0x02, 7, 0, 0, 0x26, 0, 0, 0, 0})));
+    EXPECT_THAT(board.transactions(Transaction::Write, 0x302054),
+                ElementsAre(Transaction::write8(0x302054, 2)));
+    EXPECT_EQ(board.sleptMs(), 20U);
+    EXPECT_EQ(board.events().back(), "sleep 20");
+    EXPECT_EQ(CmdBuffer_Index, 0U);
+}
+
+TEST_F(LogoTest, CanBePlayedAgain) {
+    App_Show_Logo(&host);
+    const std::vector<Words> first = frames();
+    board.reset();
+    Gpu_Hal_ResetCmdFifo(&host);
+    App_Show_Logo(&host);
+    EXPECT_EQ(frames(), first);
+}
+
+// The sizes of the pieces follow the panel.
+TEST_F(LogoTest, FillsAPanel800PixelsWide) {
+    DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_70);
+    App_Show_Logo(&host);
+    const std::vector<Words> all = frames();
+    DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_43);
+    ASSERT_THAT(all, SizeIs(121));
+    const Words& last = all[119];
+    EXPECT_EQ(last[7], 0x00010000U); // not scaled
+    // Piece 12: 603 x 30 pixels at (190, 119 + 183), its width's upper bits apart.
+    EXPECT_THAT(Words(last.end() - 6, last.end() - 2),
+                ElementsAre(0x0810B61E, 0x28000000, 0x29000004, 0x45F012E0));
+    // The window of the piece that turns: 800 x 480.
+    EXPECT_EQ(last[angleWord - 10], 0x081241E0U);
+    EXPECT_EQ(last[angleWord - 9], 0x29000004U);
+}
+
+} // namespace
