@@ -86,10 +86,14 @@ public:
     std::vector<std::string> textOnPanel() const;
     // How often the host has read REG_TOUCH_TAG, and its value at the last read.
     std::uint32_t touchTagReads() const;
+    std::uint8_t lastTouchTagRead() const;
 
     // --- faults, on request
     void setIdentity(std::uint32_t chipId); // the word at 0x0C0000 instead of the generation's own
     void setAnswering(bool answering);      // false: every read gives 0, as with no chip fitted
+
+    // true: the coprocessor takes no more commands, as if it had hung, until let go.
+    void setCoprocessorStalled(bool stalled);
 
     // The flash chip's content (empty without one), for tests and scripts.
     std::vector<std::uint8_t>& flash();

@@ -88,4 +88,24 @@ constexpr std::int32_t cosine(std::uint32_t angle) {
     return sine(angle + 0x4000U);
 }
 
+// The angle of the direction (x, y) on a screen whose y runs down: 0 is up, 65536 a turn,
+// clockwise. 0 for the point itself.
+constexpr std::uint32_t angleOf(int x, int y) {
+    if (x == 0 && y == 0) {
+        return 0;
+    }
+    // Folded into the quarter from up to right, then halved until it fits.
+    const std::int64_t right = x < 0 ? -std::int64_t{x} : x;
+    const std::int64_t up = y > 0 ? std::int64_t{y} : -std::int64_t{y};
+    std::uint32_t angle = 0;
+    for (std::uint32_t step = 0x2000; step > 0; step /= 2) {
+        if (right * cosine(angle + step) >= up * sine(angle + step)) {
+            angle += step;
+        }
+    }
+    angle += angle == 0x3FFF && up == 0 ? 1 : 0;
+    const std::uint32_t rightSide = y <= 0 ? angle : 0x8000U - angle;
+    return x >= 0 ? rightSide & 0xFFFFU : (0x10000U - rightSide) & 0xFFFFU;
+}
+
 } // namespace controller

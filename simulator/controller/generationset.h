@@ -13,12 +13,11 @@ constexpr GenerationSet setOf(Generation generation) {
     return static_cast<GenerationSet>(1U << static_cast<unsigned>(generation));
 }
 
-constexpr GenerationSet e1Only = setOf(Generation::E1);
 constexpr GenerationSet e3Only = setOf(Generation::E3);
 constexpr GenerationSet e1AndE2 = setOf(Generation::E1) | setOf(Generation::E2);
 constexpr GenerationSet e1AndE3 = setOf(Generation::E1) | setOf(Generation::E3);
 constexpr GenerationSet e2AndE3 = setOf(Generation::E2) | setOf(Generation::E3);
-constexpr GenerationSet all = e1AndE2 | e3Only;
+constexpr GenerationSet everyGeneration = e1AndE2 | e3Only;
 
 constexpr bool contains(GenerationSet set, Generation generation) {
     return (set & setOf(generation)) != 0;

@@ -130,6 +130,10 @@ struct RegisterInfo {
     std::uint32_t mask;        // the bits that exist
     std::uint32_t reset;       // value after reset
     Access access;
+
+    std::uint32_t address(Generation generation) const {
+        return generation == Generation::E1 ? addressE1 : addressE2;
+    }
 };
 
 // The register whose word holds `address`, null when there is none. Registers that only rename

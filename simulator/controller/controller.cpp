@@ -1,0 +1,97 @@
+#include "controller.h"
+
+#include "chip.h"
+#include "paneltext.h"
+
+namespace controller {
+
+Controller::Controller(Generation generation, const Options& options)
+    : m_chip(std::make_unique<Chip>(generation, options)) {}
+
+Controller::~Controller() = default;
+
+void Controller::setPowerDown(bool high, Nanoseconds now) {
+    m_chip->setPowerDown(high, now);
+}
+
+void Controller::setChipSelect(bool high, Nanoseconds now) {
+    m_chip->setChipSelect(high, now);
+}
+
+std::uint8_t Controller::exchange(std::uint8_t sent, Nanoseconds now) {
+    return m_chip->exchange(sent, now);
+}
+
+void Controller::advance(Nanoseconds now) {
+    m_chip->advance(now);
+}
+
+Generation Controller::generation() const {
+    return m_chip->generation();
+}
+
+void Controller::setObserver(Observer* observer) {
+    m_chip->setObserver(observer);
+}
+
+void Controller::touch(int x, int y) {
+    m_chip->touch(x, y);
+}
+
+void Controller::release() {
+    m_chip->release();
+}
+
+PanelState Controller::panel() const {
+    return m_chip->panel();
+}
+
+const Frame& Controller::frame() const {
+    return m_chip->frame();
+}
+
+std::uint32_t Controller::framesScanned() const {
+    return m_chip->framesScanned();
+}
+
+std::uint32_t Controller::listsSwapped() const {
+    return m_chip->listsSwapped();
+}
+
+std::uint8_t Controller::peek8(std::uint32_t address) const {
+    return m_chip->peek8(address);
+}
+
+std::uint32_t Controller::peek32(std::uint32_t address) const {
+    return m_chip->peek32(address);
+}
+
+std::vector<std::string> Controller::textOnPanel() const {
+    return stringsOf(generation(), frame());
+}
+
+std::uint32_t Controller::touchTagReads() const {
+    return m_chip->touchTagReads();
+}
+
+std::uint8_t Controller::lastTouchTagRead() const {
+    return m_chip->lastTouchTagRead();
+}
+
+void Controller::setIdentity(std::uint32_t chipId) {
+    m_chip->setIdentity(chipId);
+}
+
+void Controller::setAnswering(bool answering) {
+    m_chip->setAnswering(answering);
+}
+
+void Controller::setCoprocessorStalled(bool stalled) {
+    m_chip->setCoprocessorStalled(stalled);
+}
+
+std::vector<std::uint8_t>& Controller::flash() {
+    return m_chip->flash();
+}
+
+} // namespace controller

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "controller.h"
+#include "graphicsengine.h"
+#include "memorymap.h"
+#include "registers.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace controller {
+
+// What the panel shows: the list in force and the picture it draws.
+//
+// The picture is drawn only when somebody looks, and not again while list, memory, macros and
+// size stay the same. A list that is scanned without anybody looking is only walked, for what it
+// leaves behind: bitmap handles outlive the list that set them.
+class Display {
+public:
+    using Complain = std::function<void(const std::string&)>;
+
+    Display(Generation generation, const MemoryMap& memory, const Registers& registers,
+            Complain complain);
+
+    void reset(); // an empty list, handles as after power-on
+    void show(const DisplayList& list);
+    const DisplayList& list() const { return m_list; }
+
+    // A frame of the list has been scanned.
+    void scanned();
+    const Frame& frame();
+    // The tag at a pixel of the frame; 0 outside of it.
+    std::uint8_t tagAt(int x, int y);
+
+private:
+    std::array<std::uint32_t, 2> macros() const;
+    void scan(int width, int height, Frame& frame);
+    void report(const Frame& frame);
+
+    Generation m_generation;
+    const MemoryMap& m_memory;
+    const Registers& m_registers;
+    Complain m_complain;
+    GraphicsEngine m_engine;
+
+    DisplayList m_list{};
+    bool m_walked = false; // by the engine, whether it drew or not
+    bool m_drawn = false;  // m_frame is of m_list, with what follows
+    std::uint64_t m_drawnMemory = 0;
+    std::array<std::uint32_t, 2> m_drawnMacros{};
+    Frame m_frame;
+    Frame m_unseen;                      // of walks
+    std::vector<std::string> m_reported; // complaints about the list before
+};
+
+} // namespace controller

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace controller {
+
+// What E3's option FORMAT makes of a string: each percent sign with its conversion is replaced by
+// the next argument word. Conversions: d i u x X o c s p and %%, with the flags - + 0 # and blank,
+// a width and a precision of at most 99 (or * for an argument). `stringAt` gives the text that an
+// argument of %s points at. A conversion that is none is left out.
+std::string formatText(const std::string& format, const std::vector<std::uint32_t>& arguments,
+                       const std::function<std::string(std::uint32_t)>& stringAt);
+
+} // namespace controller
