@@ -1,6 +1,7 @@
 #include "datareader.h"
 #include "debuglog.h"
 #include "optionwidget.h"
+#include "qtprinting.h"
 #include "screentest.h"
 #include "scriptedserver.h"
 
@@ -11,14 +12,8 @@
 
 #include <array>
 #include <deque>
-#include <ostream>
 #include <string>
 #include <vector>
-
-// How GoogleTest prints Qt's strings.
-void PrintTo(const QByteArray& text, std::ostream* out) {
-    *out << text.toStdString();
-}
 
 namespace {
 
