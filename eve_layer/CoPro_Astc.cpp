@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace {
 
-constexpr int blockBytes = 16;
+constexpr std::size_t blockBytes = 16;
 
 struct Footprint {
     uint16_t w;
@@ -48,7 +49,7 @@ uint32_t GET_ASTC_FORMAT(uint16_t w, uint16_t h) {
 
 void astc_tile2(const uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* dst) {
     const auto copyBlock = [&dst, src](uint32_t index) {
-        dst = std::copy_n(src + index * blockBytes, blockBytes, dst);
+        dst = std::copy_n(src + std::size_t{index} * blockBytes, blockBytes, dst);
     };
     for (uint32_t row = 0; row + 1 < h; row += 2) {
         const uint32_t upper = row * w;
