@@ -19,7 +19,7 @@ CoverageRow::CoverageRow(int left, int right)
     : m_left(left), m_right(right), m_changes(static_cast<std::size_t>(right - left) + 2),
       m_coverage(static_cast<std::size_t>(right - left)) {}
 
-void CoverageRow::add(const Span& span, int count) {
+void CoverageRow::add(const RowSpan& span, int count) {
     const std::int64_t leftmost = static_cast<std::int64_t>(m_left) * rowUnits;
     const std::int64_t rightmost = static_cast<std::int64_t>(m_right) * rowUnits;
     const auto left = static_cast<int>(std::clamp(span.left, leftmost, rightmost) - leftmost);

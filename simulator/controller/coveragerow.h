@@ -14,7 +14,7 @@ constexpr int rowUnits = 256;
 constexpr int linesPerRow = subpixels;
 
 // The part of a line of samples that a shape covers, in 1/256 pixel; empty when left >= right.
-struct Span {
+struct RowSpan {
     std::int64_t left = 0;
     std::int64_t right = 0;
 };
@@ -27,7 +27,7 @@ public:
     CoverageRow(int left, int right);
 
     // Adds `count` lines of samples that are covered alike.
-    void add(const Span& span, int count);
+    void add(const RowSpan& span, int count);
     // Draws what has been added in row y and empties the row.
     void draw(PixelPipeline& pipeline, int y);
 

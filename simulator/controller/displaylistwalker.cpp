@@ -1,6 +1,7 @@
 #include "displaylistwalker.h"
 
 #include "displaylist.h"
+#include "fixedmath.h"
 #include "pixelmath.h"
 
 #include <algorithm>
@@ -26,10 +27,8 @@ constexpr std::uint8_t byte(std::uint32_t word, int lowest = 0) {
 }
 
 // Two's complement field of `count` bits.
-constexpr std::int32_t signedNumber(std::uint32_t word, int lowest, int count) {
-    const std::uint32_t sign = 1U << (count - 1);
-    return static_cast<std::int32_t>(bits(word, lowest, count) ^ sign) -
-           static_cast<std::int32_t>(sign);
+constexpr std::int32_t signedNumber(std::uint32_t word, int lowest, unsigned count) {
+    return signExtend(word >> lowest, count);
 }
 
 } // namespace

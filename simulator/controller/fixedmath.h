@@ -44,6 +44,11 @@ constexpr std::int64_t floorQuotient(std::int64_t dividend, std::int64_t divisor
     return quotient - (dividend % divisor < 0 ? 1 : 0);
 }
 
+// Quotient rounded toward plus infinity. `divisor` is positive.
+constexpr std::int64_t ceilQuotient(std::int64_t dividend, std::int64_t divisor) {
+    return -floorQuotient(-dividend, divisor);
+}
+
 template<typename T>
 constexpr T clampTo(T value, T low, T high) {
     return value < low ? low : (value > high ? high : value);

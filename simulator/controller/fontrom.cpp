@@ -1,6 +1,7 @@
 #include "fontrom.h"
 
 #include "displaylist.h"
+#include "memorylayout.h"
 #include "romfontdata.h"
 
 #include <cassert>
@@ -23,22 +24,9 @@ constexpr std::size_t fontBlockSize = 148;
 constexpr std::uint32_t rampLength = 256;
 constexpr std::uint32_t rampLineLength = 1023; // the longest line every generation can describe
 
-// Where the ROM lies in the address space.
-struct RomPlace {
-    std::uint32_t base;
-    std::uint32_t tablePointer; // the ROM's last word
-    int lastFont;
-    // E1's ROM holds the chip's identity in its midst; elsewhere `identity` is outside the ROM.
-    std::uint32_t identityAddress;
-    std::uint32_t identity;
-};
-
-constexpr RomPlace placeInE1{0x0BB23C, 0x0FFFFC, 31, 0x0C0000, 0x00010108};
-constexpr RomPlace placeInE2AndE3{0x1E0000, 0x2FFFFC, lastRomFont, 0, 0};
-
 class Rom {
 public:
-    explicit Rom(const RomPlace& place);
+    explicit Rom(Generation generation);
 
     RomImage image() const { return {m_place.base, m_bytes.data(), m_bytes.size()}; }
     const RomFont& font(int number) const {
@@ -54,7 +42,8 @@ private:
     void putFontBlock(std::uint32_t address, const RomFont& font);
     void putRamp();
 
-    RomPlace m_place;
+    Span m_place;
+    std::uint32_t m_end;  // the last word, which points at the font table
     std::uint32_t m_free; // next free address
     std::vector<std::uint8_t> m_bytes;
     std::vector<RomFont> m_fonts;
@@ -87,11 +76,12 @@ private:
 
     void putPixel(int x, int y, int ink) {
         assert(y < m_font.height);
-        const int bit = x * m_font.bitsPerPixel;
+        const int pixelsPerByte = 8 / m_font.bitsPerPixel;
+        const int shift = 8 - m_font.bitsPerPixel * (1 + x % pixelsPerByte);
         const int value = m_font.bitsPerPixel == 1 ? ink & 1 : ink; // full ink is all ones
-        std::uint8_t& byte =
-            m_cell[static_cast<std::size_t>(y) * m_stride + static_cast<std::size_t>(bit) / 8];
-        byte = static_cast<std::uint8_t>(byte | value << (8 - m_font.bitsPerPixel - bit % 8));
+        std::uint8_t& byte = m_cell[static_cast<std::size_t>(y) * m_stride +
+                                    static_cast<std::size_t>(x / pixelsPerByte)];
+        byte = static_cast<std::uint8_t>(byte | value << shift);
     }
 
     const PackedFont& m_font;
@@ -100,29 +90,32 @@ private:
     int m_position = 0;
 };
 
-Rom::Rom(const RomPlace& place)
-    : m_place(place), m_free(place.base), m_bytes(place.tablePointer + 4 - place.base) {
-    const auto fonts = static_cast<std::size_t>(place.lastFont - firstRomFont + 1);
+Rom::Rom(Generation generation)
+    : m_place(memoryLayout(generation).rom), m_end(memoryLayout(generation).fontTable),
+      m_free(m_place.base), m_bytes(m_place.size) {
+    const int last = generation == Generation::E1 ? lastRomFontE1 : lastRomFont;
+    const auto fonts = static_cast<std::size_t>(last - firstRomFont + 1);
     const std::uint32_t table = allocate(fonts * fontBlockSize);
     for (std::size_t i = 0; i < fonts; ++i) {
         m_fonts.push_back(makeFont(packedFonts[i]));
         putFontBlock(table + static_cast<std::uint32_t>(i * fontBlockSize), m_fonts.back());
     }
     putRamp();
-    putWord(place.tablePointer, table);
-    if (place.identity != 0) {
-        putWord(place.identityAddress, place.identity);
+    putWord(m_end, table);
+    if (m_place.contains(chipIdAddress)) {
+        putWord(chipIdAddress, memoryLayout(generation).chipId);
     }
 }
 
+// The next `size` bytes, but never the chip's identity, which E1 has in the midst of its ROM.
 std::uint32_t Rom::allocate(std::size_t size) {
     std::uint32_t start = m_free;
     auto end = static_cast<std::uint32_t>(start + size);
-    if (start < m_place.identityAddress + 4 && end > m_place.identityAddress) {
-        start = m_place.identityAddress + 4;
+    if (start < chipIdAddress + 4 && end > chipIdAddress) {
+        start = chipIdAddress + 4;
         end = static_cast<std::uint32_t>(start + size);
     }
-    assert(end <= m_place.tablePointer);
+    assert(end <= m_end);
     m_free = (end + 3U) & ~3U;
     return start;
 }
@@ -172,10 +165,10 @@ void Rom::putRamp() {
 
 const Rom& romOf(Generation generation) {
     if (generation == Generation::E1) {
-        static const Rom rom(placeInE1);
+        static const Rom rom(Generation::E1);
         return rom;
     }
-    static const Rom rom(placeInE2AndE3);
+    static const Rom rom(Generation::E2); // E3 has the same
     return rom;
 }
 

@@ -11,6 +11,7 @@ namespace controller {
 // First and last built-in font. Fonts 16 to 31 exist in every generation, 32 to 34 in E2 and E3.
 constexpr int firstRomFont = 16;
 constexpr int lastRomFont = 34;
+constexpr int lastRomFontE1 = 31;
 
 // The chip's ROM as it stands in the address space, the word that points at the font table
 // included. The data is static and lives as long as the program.

@@ -18,7 +18,7 @@ namespace {
 // A list that draws more than so many panels full is given up: no chip would scan it in time,
 // and a viewer must not hang on it.
 constexpr std::int64_t mostPanelsDrawn = 256;
-constexpr std::int64_t smallestPanelCounted = 320 * 240;
+constexpr std::int64_t smallestPanelCounted = std::int64_t{320} * 240;
 
 constexpr int fontHandles = 32; // fonts 16 to 31 stand at the handles of their numbers
 

@@ -2,6 +2,7 @@
 
 #include "displaylist.h"
 #include "generation.h"
+#include "memorylayout.h"
 
 #include <array>
 #include <cstdint>
@@ -69,14 +70,12 @@ struct GraphicsState {
     int translateY = 0;
 };
 
-constexpr std::uint32_t paletteMemoryE1 = 0x102000; // E1's palette is always there
-
 inline GraphicsState initialState(Generation generation) {
     GraphicsState state;
     if (generation == Generation::E1) {
         state.scissor = {0, 0, 512, 512};
-        state.paletteSource = paletteMemoryE1;
     }
+    state.paletteSource = memoryLayout(generation).palette.base; // 0 where there is none
     return state;
 }
 

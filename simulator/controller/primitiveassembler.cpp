@@ -1,5 +1,6 @@
 #include "primitiveassembler.h"
 
+#include "fixedmath.h"
 #include "fontrom.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ bool isStrip(std::uint32_t kind) {
 }
 
 bool isRomFont(Generation generation, std::uint32_t source) {
-    const int last = generation == Generation::E1 ? 31 : lastRomFont;
+    const int last = generation == Generation::E1 ? lastRomFontE1 : lastRomFont;
     for (int font = firstRomFont; font <= last; ++font) {
         if (romFont(generation, font).address == source) {
             return true;
@@ -27,8 +28,7 @@ bool isRomFont(Generation generation, std::uint32_t source) {
 }
 
 int wholePixels(std::int64_t position) {
-    return static_cast<int>(position >= 0 ? position / subpixels
-                                          : -((-position + subpixels - 1) / subpixels));
+    return static_cast<int>(floorQuotient(position, subpixels));
 }
 
 } // namespace

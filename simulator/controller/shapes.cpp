@@ -1,6 +1,7 @@
 #include "shapes.h"
 
 #include "coveragerow.h"
+#include "fixedmath.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +21,7 @@ namespace {
 constexpr std::int64_t pixel = 4096;
 constexpr std::int64_t perSubpixel = pixel / subpixels;
 constexpr std::int64_t perRowUnit = pixel / rowUnits;
-constexpr Span nothing{};
+constexpr RowSpan nothing{};
 
 struct Vector {
     std::int64_t x;
@@ -31,21 +32,12 @@ Vector fine(Point point) {
     return {point.x * perSubpixel, point.y * perSubpixel};
 }
 
-std::int64_t floorDivided(std::int64_t value, std::int64_t divisor) {
-    const std::int64_t quotient = value / divisor;
-    return quotient * divisor > value ? quotient - 1 : quotient;
-}
-
-std::int64_t ceilDivided(std::int64_t value, std::int64_t divisor) {
-    return -floorDivided(-value, divisor);
-}
-
 // floor(sqrt(value))
 std::int64_t squareRoot(std::int64_t value) {
     if (value <= 0) {
         return 0;
     }
-    std::uint64_t rest = static_cast<std::uint64_t>(value);
+    auto rest = static_cast<std::uint64_t>(value);
     std::uint64_t bit = std::uint64_t{1} << 62;
     while (bit > rest) {
         bit >>= 2;
@@ -63,9 +55,9 @@ std::int64_t squareRoot(std::int64_t value) {
 }
 
 // Spans are made in 1/4096 pixel and rounded once, here.
-Span rounded(std::int64_t left, std::int64_t right) {
-    return {floorDivided(left + perRowUnit / 2, perRowUnit),
-            floorDivided(right + perRowUnit / 2, perRowUnit)};
+RowSpan rounded(std::int64_t left, std::int64_t right) {
+    return {floorQuotient(left + perRowUnit / 2, perRowUnit),
+            floorQuotient(right + perRowUnit / 2, perRowUnit)};
 }
 
 // --- shapes: top and bottom, the span at y, and whether all lines between two y are alike
@@ -78,7 +70,7 @@ public:
     std::int64_t bottom() const { return m_centre.y + m_radius; }
     bool isAlike(std::int64_t /*from*/, std::int64_t /*to*/) const { return false; }
 
-    Span at(std::int64_t y) const {
+    RowSpan at(std::int64_t y) const {
         const std::int64_t half = halfChord(y);
         return half == 0 ? nothing : rounded(m_centre.x - half, m_centre.x + half);
     }
@@ -118,7 +110,7 @@ public:
     }
 
     // The capsule is convex, so what its parts cover of a line is one span.
-    Span at(std::int64_t y) const {
+    RowSpan at(std::int64_t y) const {
         std::int64_t left = std::numeric_limits<std::int64_t>::max();
         std::int64_t right = std::numeric_limits<std::int64_t>::min();
         for (const Disc* disc : {&m_from, &m_to}) {
@@ -162,7 +154,7 @@ public:
         return from >= m_upper && to <= m_lower;
     }
 
-    Span at(std::int64_t y) const {
+    RowSpan at(std::int64_t y) const {
         const std::int64_t distance = y - std::clamp(y, m_upper, m_lower);
         const std::int64_t reach = squareRoot(m_radius * m_radius - distance * distance);
         return reach == 0 ? nothing : rounded(m_left - reach, m_right + reach);
@@ -181,7 +173,7 @@ class EdgeRegion {
 public:
     // Covers `within`; `toLeft`: the part of each line of samples that is left of the edge.
     EdgeRegion(Vector from, Vector to, bool toLeft, const PixelRect& within)
-        : m_from(from), m_along{to.x - from.x, to.y - from.y}, m_toLeft(toLeft),
+        : m_from(from.y < to.y ? from : to), m_to(from.y < to.y ? to : from), m_toLeft(toLeft),
           m_left(within.left * pixel), m_right(within.right * pixel), m_top(within.top * pixel),
           m_bottom(within.bottom * pixel) {}
 
@@ -194,7 +186,7 @@ public:
         return first == last || std::max(first, last) <= m_left || std::min(first, last) >= m_right;
     }
 
-    Span at(std::int64_t y) const {
+    RowSpan at(std::int64_t y) const {
         const std::int64_t x = std::clamp(crossing(y), m_left, m_right);
         return m_toLeft ? rounded(m_left, x) : rounded(x, m_right);
     }
@@ -202,11 +194,11 @@ public:
 private:
     // Where the edge, which is not level, crosses y.
     std::int64_t crossing(std::int64_t y) const {
-        return m_from.x + floorDivided((y - m_from.y) * m_along.x, m_along.y);
+        return m_from.x + floorQuotient((y - m_from.y) * (m_to.x - m_from.x), m_to.y - m_from.y);
     }
 
-    Vector m_from;
-    Vector m_along;
+    Vector m_from; // the upper end
+    Vector m_to;
     bool m_toLeft;
     std::int64_t m_left;
     std::int64_t m_right;
@@ -232,9 +224,9 @@ template<typename Shape>
 int drawShape(PixelPipeline& pipeline, const Shape& shape) {
     const PixelRect& clip = pipeline.clip();
     const auto top =
-        static_cast<int>(std::max<std::int64_t>(floorDivided(shape.top(), pixel), clip.top));
+        static_cast<int>(std::max<std::int64_t>(floorQuotient(shape.top(), pixel), clip.top));
     const auto bottom =
-        static_cast<int>(std::min<std::int64_t>(ceilDivided(shape.bottom(), pixel), clip.bottom));
+        static_cast<int>(std::min<std::int64_t>(ceilQuotient(shape.bottom(), pixel), clip.bottom));
     if (clip.empty() || top >= bottom) {
         return 0;
     }
@@ -250,8 +242,8 @@ int drawShape(PixelPipeline& pipeline, const Shape& shape) {
 // strip share no pixel and leave none out.
 struct PixelRange {
     PixelRange(std::int64_t from, std::int64_t to)
-        : first(ceilDivided(std::min(from, to) - subpixels / 2, subpixels)),
-          end(ceilDivided(std::max(from, to) - subpixels / 2, subpixels)) {}
+        : first(ceilQuotient(std::min(from, to) - subpixels / 2, subpixels)),
+          end(ceilQuotient(std::max(from, to) - subpixels / 2, subpixels)) {}
 
     std::int64_t first;
     std::int64_t end;
@@ -265,10 +257,10 @@ int clampedTo(std::int64_t value, int low, int high) {
 // edge crosses.
 int drawLevelEdge(PixelPipeline& pipeline, std::int64_t y, bool above, const PixelRect& columns) {
     CoverageRow row(columns.left, columns.right);
-    const auto edgeRow = floorDivided(y, subpixels);
+    const auto edgeRow = floorQuotient(y, subpixels);
     const auto linesAbove = static_cast<int>(y - edgeRow * subpixels);
-    const Span full{static_cast<std::int64_t>(columns.left) * rowUnits,
-                    static_cast<std::int64_t>(columns.right) * rowUnits};
+    const RowSpan full{static_cast<std::int64_t>(columns.left) * rowUnits,
+                       static_cast<std::int64_t>(columns.right) * rowUnits};
     for (int line = columns.top; line < columns.bottom; ++line) {
         int covered = (line < edgeRow) == above ? linesPerRow : 0;
         if (line == edgeRow) {
