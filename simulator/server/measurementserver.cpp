@@ -1,7 +1,6 @@
 #include "measurementserver.h"
 
 #include <QElapsedTimer>
-#include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -95,13 +94,12 @@ void MeasurementServer::readRequests(QTcpSocket* socket) {
 }
 
 void MeasurementServer::handle(QTcpSocket* socket, const QByteArray& line) {
-    const QPointer<QTcpSocket> client(socket);
     const QByteArray own = m_instrument.answer(line, m_clock());
     emit requestReceived(line);
-    if (!client || !m_pending.contains(client))
+    if (!m_pending.contains(socket))
         return;
     const QByteArray command = line.left(line.indexOf(' '));
-    send(client, spoiled(m_replies.value(command, own), m_fault));
+    send(socket, spoiled(m_replies.value(command, own), m_fault));
 }
 
 void MeasurementServer::send(QTcpSocket* socket, const QByteArray& reply) {
