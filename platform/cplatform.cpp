@@ -6,8 +6,8 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -95,7 +95,7 @@ void platform_spi_send_data(unsigned char* data, unsigned short len) {
 void platform_spi_recv_data(unsigned char* data, unsigned short len) {
     // A failed transfer reads as zeros.
     const QByteArray received = Platform::getInstance()->spi()->read(len).leftJustified(len, '\0');
-    std::memcpy(data, received.constData(), len);
+    std::copy_n(received.constData(), len, data);
 }
 
 void platform_gpio_value(gpio_name name, gpio_val val) {

@@ -2,11 +2,11 @@
 
 #include "testbed.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/inotify.h>
 #include <system_error>
 #include <unistd.h>
@@ -16,14 +16,6 @@ namespace {
 
 [[noreturn]] void fail(const std::string& what, const std::string& mend = {}) {
     throw BoardError(what + ": " + std::generic_category().message(errno) + mend);
-}
-
-int watchWrites(int inotify, const std::string& path) {
-    const int watch = inotify_add_watch(inotify, path.c_str(), IN_MODIFY);
-    if (watch < 0) {
-        fail("cannot watch " + path, " (if none are left, raise fs.inotify.max_user_watches)");
-    }
-    return watch;
 }
 
 } // namespace
@@ -47,24 +39,26 @@ void LevelQueue::add(const std::string& path) {
     if (fifo < 0) {
         fail("cannot open " + path);
     }
-    m_lines.push_back({fifo, -1});
-    m_lines.back().watch = watchWrites(m_inotify, path);
-    // inotify merges equal events that follow one another. With the directory watched too, each
-    // write is one event of the file and one of the directory, so no two neighbours are equal.
-    watchWrites(m_inotify, std::filesystem::path(path).parent_path());
+    const int watch = inotify_add_watch(m_inotify, path.c_str(), IN_MODIFY);
+    m_lines.push_back({fifo, watch});
+    if (watch < 0) {
+        fail("cannot watch " + path, " (if none are left, raise fs.inotify.max_user_watches)");
+    }
 }
 
 void LevelQueue::drain(const Sink& sink) {
-    takeEvents(sink);
-    // What is left is a write whose event is still on its way, or the rest of a write of several
-    // characters.
-    for (std::size_t line = 0; line < m_lines.size(); ++line) {
-        while (takeLevel(line, sink)) {
+    const std::vector<std::size_t> runs = takeRuns();
+    for (auto run = runs.begin(); run != runs.end(); ++run) {
+        takeLevel(*run, sink);
+        const bool isLinesLast = std::find(run + 1, runs.end(), *run) == runs.end();
+        while (isLinesLast && takeLevel(*run, sink)) {
         }
     }
 }
 
-void LevelQueue::takeEvents(const Sink& sink) {
+// The lines written, each as often as other lines were written in between.
+std::vector<std::size_t> LevelQueue::takeRuns() const {
+    std::vector<std::size_t> runs;
     alignas(inotify_event) std::array<char, 4096> buffer;
     ssize_t length = 0;
     while ((length = ::read(m_inotify, buffer.data(), buffer.size())) > 0) {
@@ -73,17 +67,19 @@ void LevelQueue::takeEvents(const Sink& sink) {
             std::memcpy(&event, &buffer[at], sizeof event);
             at += sizeof event + event.len;
             for (std::size_t line = 0; line < m_lines.size(); ++line) {
-                if (m_lines[line].watch == event.wd) {
-                    takeLevel(line, sink);
+                // After an overflow of inotify's queue any line may have been written.
+                if (m_lines[line].watch == event.wd || (event.mask & IN_Q_OVERFLOW) != 0) {
+                    runs.push_back(line);
                 }
             }
         }
     }
+    return runs;
 }
 
 // False when nothing waits. Like the kernel's value file, which reads a number: other characters,
 // such as an end of line, are passed over.
-bool LevelQueue::takeLevel(std::size_t line, const Sink& sink) {
+bool LevelQueue::takeLevel(std::size_t line, const Sink& sink) const {
     char character = 0;
     if (::read(m_lines[line].fifo, &character, 1) != 1) {
         return false;

@@ -9,7 +9,9 @@ namespace board {
 
 // The levels that a program writes to the value files of some lines, in the order in which it
 // wrote them, over all lines. The files are FIFOs; which of them was written when is read from
-// inotify, as each FIFO alone knows nothing of the others. Not thread-safe.
+// inotify, as each FIFO alone knows nothing of the others. inotify makes one event of a run of
+// writes to one FIFO, so one order is a guess: if several runs of a line wait and one of them has
+// several levels, the last run is taken to be that one. Not thread-safe.
 class LevelQueue {
 public:
     // Throws BoardError, as does add().
@@ -18,7 +20,7 @@ public:
     LevelQueue& operator=(const LevelQueue&) = delete;
     ~LevelQueue();
 
-    // Watches the FIFO at `path`, which must have a directory of its own. Lines count from 0.
+    // Watches the FIFO at `path`. Lines count from 0.
     void add(const std::string& path);
 
     // Readable while levels wait.
@@ -34,8 +36,8 @@ private:
         int watch;
     };
 
-    void takeEvents(const Sink& sink);
-    bool takeLevel(std::size_t line, const Sink& sink);
+    std::vector<std::size_t> takeRuns() const;
+    bool takeLevel(std::size_t line, const Sink& sink) const;
 
     int m_inotify;
     std::vector<Line> m_lines;

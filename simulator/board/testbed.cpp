@@ -187,11 +187,11 @@ void Testbed::addNode(const std::string& path, IoctlHandler& handler) {
 }
 
 std::vector<std::pair<std::string, std::string>> Testbed::environment() const {
-    std::string preload = preloadLibrary;
     const char* others = std::getenv(preloadVariable);
-    if (others != nullptr && *others != '\0') {
-        const std::string list = others;
-        preload = list.find(preloadLibrary) == std::string::npos ? preload + ":" + list : list;
+    std::string preload = others != nullptr ? others : "";
+    if (preload.find(preloadLibrary) == std::string::npos) {
+        // Last, as the sanitizers' libraries insist on being first.
+        preload += (preload.empty() ? "" : ":") + std::string(preloadLibrary);
     }
     return {{preloadVariable, preload}, {rootVariable, m_root}};
 }

@@ -32,7 +32,8 @@ public:
     const std::uint8_t* bytes() const;
     std::size_t size() const;
 
-    // The `length` bytes that the pointer stored at `offset` points to.
+    // The `length` bytes, at least one, that the pointer stored at `offset` points to. umockdev
+    // ends a program that has nothing there.
     std::unique_ptr<CallerMemory> follow(std::size_t offset, std::size_t length) const;
 
     // Overwrites the stretch's first `length` bytes, at once.

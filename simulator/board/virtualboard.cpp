@@ -187,16 +187,19 @@ IoctlAnswer VirtualBoard::Private::message(const CallerMemory& argument, std::si
 // `record` is the one at `offset` of the caller's `records`.
 void VirtualBoard::Private::transfer(const CallerMemory& records, std::size_t offset,
                                      const spi_ioc_transfer& record) {
-    std::unique_ptr<CallerMemory> sent;
-    if (record.tx_buf != 0) {
-        sent = records.follow(offset + offsetof(spi_ioc_transfer, tx_buf), record.len);
-    }
     std::array<std::uint8_t, longestMessage> received{};
-    m_wires.transfer(sent ? sent->bytes() : nullptr, record.rx_buf != 0 ? received.data() : nullptr,
-                     record.len);
-    if (record.rx_buf != 0) {
+    std::uint8_t* const rx = record.rx_buf != 0 ? received.data() : nullptr;
+    if (record.tx_buf == 0) {
+        m_wires.transfer(nullptr, rx, record.len);
+    } else if (record.len == 0) {
+        m_wires.transfer(received.data(), rx, 0); // there is nothing to follow
+    } else {
+        const auto sent = records.follow(offset + offsetof(spi_ioc_transfer, tx_buf), record.len);
+        m_wires.transfer(sent->bytes(), rx, record.len);
+    }
+    if (rx != nullptr && record.len != 0) {
         records.follow(offset + offsetof(spi_ioc_transfer, rx_buf), record.len)
-            ->write(received.data(), record.len);
+            ->write(rx, record.len);
     }
 }
 

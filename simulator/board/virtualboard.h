@@ -71,7 +71,8 @@ public:
     Traffic traffic() const;
 
     // Returns when every level written so far has reached the wires. Without it that takes a
-    // moment: at the latest the next SPI message brings them first.
+    // moment: at the latest the next SPI message brings them first. Not to be called from the
+    // wires.
     void sync();
 
 private:
