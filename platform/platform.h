@@ -4,12 +4,12 @@
 // the lines wired to it. Implemented on the instrument by cplatform.cpp. Main thread only.
 
 // Lines that platform_gpio_value() acts on; any other number is ignored.
-enum gpio_name {
+enum gpio_name : int {
     GPIO_CS = 21, // the controller's chip select, low selects
     GPIO_PD = 24, // the controller's power-down line, low holds it in power-down
 };
 
-enum gpio_val {
+enum gpio_val : int {
     GPIO_LOW = 0,
     GPIO_HIGH = 1,
 };
