@@ -48,7 +48,7 @@ struct Drawing {
     std::uint32_t color;
     const std::array<std::uint32_t, 4>& swizzle;
     const Bitmap& bitmap;
-    Point corner;
+    Position corner;
     PixelRect within;
     std::vector<std::uint8_t>& alphas; // room for a row
     std::vector<std::uint32_t>& pixels;
@@ -164,7 +164,7 @@ Bitmap bitmapOf(Generation generation, const BitmapHandle& handle, std::uint32_t
     return bitmap;
 }
 
-PixelRect BitmapDrawer::window(const Bitmap& bitmap, Point corner, const PixelRect& clip) {
+PixelRect BitmapDrawer::window(const Bitmap& bitmap, Position corner, const PixelRect& clip) {
     return {std::max(clip.left, pixelAtOrAfter(corner.x)),
             std::max(clip.top, pixelAtOrAfter(corner.y)),
             std::min(clip.right,
@@ -174,7 +174,7 @@ PixelRect BitmapDrawer::window(const Bitmap& bitmap, Point corner, const PixelRe
 }
 
 void BitmapDrawer::draw(PixelPipeline& pipeline, const GraphicsState& state,
-                        const BitmapHandle& handle, const Bitmap& bitmap, Point corner,
+                        const BitmapHandle& handle, const Bitmap& bitmap, Position corner,
                         const PixelRect& within) {
     if (within.empty() || !check(bitmap)) {
         return;

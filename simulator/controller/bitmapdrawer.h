@@ -37,11 +37,11 @@ public:
         : m_memory(memory), m_complaints(complaints) {}
 
     // Where in the clip the bitmap's window is with its top left corner at `corner`.
-    static PixelRect window(const Bitmap& bitmap, Point corner, const PixelRect& clip);
+    static PixelRect window(const Bitmap& bitmap, Position corner, const PixelRect& clip);
 
     // Draws the window's pixels `within`, which window() gave.
     void draw(PixelPipeline& pipeline, const GraphicsState& state, const BitmapHandle& handle,
-              const Bitmap& bitmap, Point corner, const PixelRect& within);
+              const Bitmap& bitmap, Position corner, const PixelRect& within);
 
 private:
     bool check(const Bitmap& bitmap);

@@ -221,14 +221,14 @@ void DisplayListWalker::clear(std::uint32_t word) {
 
 void DisplayListWalker::vertex2f(std::uint32_t word) {
     const int scale = subpixels >> m_state.vertexFraction;
-    const Point place{signedNumber(word, 15, 15) * scale + m_state.translateX,
-                      signedNumber(word, 0, 15) * scale + m_state.translateY};
+    const Position place{signedNumber(word, 15, 15) * scale + m_state.translateX,
+                         signedNumber(word, 0, 15) * scale + m_state.translateY};
     m_assembler.vertex(m_state, place, currentHandle(), m_state.handle, m_state.cell);
 }
 
 void DisplayListWalker::vertex2ii(std::uint32_t word) {
-    const Point place{number(word, 21, 9) * subpixels + m_state.translateX,
-                      number(word, 12, 9) * subpixels + m_state.translateY};
+    const Position place{number(word, 21, 9) * subpixels + m_state.translateX,
+                         number(word, 12, 9) * subpixels + m_state.translateY};
     const auto handle = static_cast<std::uint8_t>(bits(word, 7, 5));
     m_assembler.vertex(m_state, place, m_handles[handle], handle,
                        static_cast<std::uint8_t>(bits(word, 0, 7)));

@@ -42,8 +42,9 @@ void PrimitiveAssembler::begin(std::uint32_t primitive) {
     }
 }
 
-void PrimitiveAssembler::vertex(const GraphicsState& state, Point place, const BitmapHandle& handle,
-                                std::uint8_t handleNumber, std::uint8_t cell) {
+void PrimitiveAssembler::vertex(const GraphicsState& state, Position place,
+                                const BitmapHandle& handle, std::uint8_t handleNumber,
+                                std::uint8_t cell) {
     m_pipeline.use(state);
     m_work += vertexWork;
     if (m_primitive == primitive::None || m_primitive > primitive::Rects) {
@@ -65,7 +66,7 @@ void PrimitiveAssembler::vertex(const GraphicsState& state, Point place, const B
     m_previous = place;
 }
 
-int PrimitiveAssembler::drawSegment(const GraphicsState& state, Point from, Point to) {
+int PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, Position to) {
     switch (m_primitive) {
     case primitive::Rects:
         return drawRectangle(m_pipeline, from, to, std::max(state.lineWidth, leastRounding));
@@ -82,7 +83,7 @@ int PrimitiveAssembler::drawSegment(const GraphicsState& state, Point from, Poin
     }
 }
 
-void PrimitiveAssembler::drawBitmap(const GraphicsState& state, Point corner,
+void PrimitiveAssembler::drawBitmap(const GraphicsState& state, Position corner,
                                     const BitmapHandle& handle, std::uint8_t handleNumber,
                                     std::uint8_t cell) {
     const Bitmap bitmap = bitmapOf(m_generation, handle, cell);
@@ -95,7 +96,7 @@ void PrimitiveAssembler::drawBitmap(const GraphicsState& state, Point corner,
     m_bitmaps.draw(m_pipeline, state, handle, bitmap, corner, window);
 }
 
-void PrimitiveAssembler::noteCharacter(Point corner, const BitmapHandle& handle,
+void PrimitiveAssembler::noteCharacter(Position corner, const BitmapHandle& handle,
                                        std::uint8_t handleNumber, std::uint8_t cell) {
     if (isRomFont(m_generation, handle.source)) {
         m_frame.characters.push_back(

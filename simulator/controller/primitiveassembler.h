@@ -24,7 +24,7 @@ public:
     void end() { begin(primitive::None); }
     // A vertex, the state's translation added already. The handle and the cell, which count for
     // bitmaps, are the state's or the vertex's own.
-    void vertex(const GraphicsState& state, Point place, const BitmapHandle& handle,
+    void vertex(const GraphicsState& state, Position place, const BitmapHandle& handle,
                 std::uint8_t handleNumber, std::uint8_t cell);
 
     // About how many pixels have been looked at since the frame began.
@@ -32,10 +32,10 @@ public:
     void addWork(const PixelRect& pixels) { m_work += pixels.area(); }
 
 private:
-    void drawBitmap(const GraphicsState& state, Point corner, const BitmapHandle& handle,
+    void drawBitmap(const GraphicsState& state, Position corner, const BitmapHandle& handle,
                     std::uint8_t handleNumber, std::uint8_t cell);
-    int drawSegment(const GraphicsState& state, Point from, Point to);
-    void noteCharacter(Point corner, const BitmapHandle& handle, std::uint8_t handleNumber,
+    int drawSegment(const GraphicsState& state, Position from, Position to);
+    void noteCharacter(Position corner, const BitmapHandle& handle, std::uint8_t handleNumber,
                        std::uint8_t cell);
 
     Generation m_generation;
@@ -46,7 +46,7 @@ private:
 
     std::uint32_t m_primitive = primitive::None;
     bool m_hasPrevious = false;
-    Point m_previous;
+    Position m_previous;
     std::int64_t m_work = 0;
 };
 

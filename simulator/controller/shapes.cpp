@@ -28,7 +28,7 @@ struct Vector {
     std::int64_t y;
 };
 
-Vector fine(Point point) {
+Vector fine(Position point) {
     return {point.x * perSubpixel, point.y * perSubpixel};
 }
 
@@ -276,20 +276,20 @@ int drawLevelEdge(PixelPipeline& pipeline, std::int64_t y, bool above, const Pix
 
 } // namespace
 
-int drawPoint(PixelPipeline& pipeline, Point centre, int radius) {
+int drawPoint(PixelPipeline& pipeline, Position centre, int radius) {
     return drawShape(pipeline, Disc(fine(centre), radius * perSubpixel));
 }
 
-int drawLine(PixelPipeline& pipeline, Point from, Point to, int halfWidth) {
+int drawLine(PixelPipeline& pipeline, Position from, Position to, int halfWidth) {
     return drawShape(pipeline, Capsule(fine(from), fine(to), halfWidth * perSubpixel));
 }
 
-int drawRectangle(PixelPipeline& pipeline, Point corner, Point opposite, int rounding) {
+int drawRectangle(PixelPipeline& pipeline, Position corner, Position opposite, int rounding) {
     return drawShape(pipeline,
                      RoundedRectangle(fine(corner), fine(opposite), rounding * perSubpixel));
 }
 
-int drawEdge(PixelPipeline& pipeline, Point from, Point to, EdgeSide side) {
+int drawEdge(PixelPipeline& pipeline, Position from, Position to, EdgeSide side) {
     PixelRect within = pipeline.clip();
     const bool vertical = side == EdgeSide::Above || side == EdgeSide::Below;
     if (vertical) {

@@ -7,7 +7,7 @@
 namespace controller {
 
 // A place on the panel in 1/16 pixel.
-struct Point {
+struct Position {
     std::int64_t x = 0;
     std::int64_t y = 0;
 };
@@ -17,13 +17,13 @@ enum class EdgeSide { Right, Left, Above, Below };
 // The primitives with smooth edges, drawn in the colour of the pipeline's state. Sizes are in
 // 1/16 pixel. Each returns about how many pixels it had to look at.
 
-int drawPoint(PixelPipeline& pipeline, Point centre, int radius);
+int drawPoint(PixelPipeline& pipeline, Position centre, int radius);
 // Everything within `halfWidth` of the segment.
-int drawLine(PixelPipeline& pipeline, Point from, Point to, int halfWidth);
+int drawLine(PixelPipeline& pipeline, Position from, Position to, int halfWidth);
 // Everything within `rounding` of the rectangle between two opposite corners.
-int drawRectangle(PixelPipeline& pipeline, Point corner, Point opposite, int rounding);
+int drawRectangle(PixelPipeline& pipeline, Position corner, Position opposite, int rounding);
 // Every pixel on one side of the segment, as far as the segment reaches along the other axis, up
 // to the border of the clip.
-int drawEdge(PixelPipeline& pipeline, Point from, Point to, EdgeSide side);
+int drawEdge(PixelPipeline& pipeline, Position from, Position to, EdgeSide side);
 
 } // namespace controller

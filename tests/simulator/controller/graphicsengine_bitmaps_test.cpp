@@ -30,7 +30,7 @@ std::vector<std::uint32_t> bitmap(std::uint32_t format, std::uint32_t stride, st
             size,
             begin(primitive::Bitmaps),
             vertex2ii(x, y),
-            end};
+            end()};
 }
 
 std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
@@ -100,7 +100,7 @@ TEST(BitmapFormats, L8IsAnAlphaOfTheCurrentColour) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0, 51, 255});
     EXPECT_THAT(firstRow(scanner, 3,
-                         std::vector{color(0xFF8000)} +
+                         std::vector{colorRgb(0xFF8000)} +
                              bitmap(format::L8, 3, 1, bitmapSize(nearest, 3, 1))),
                 ElementsAre(0x000000, 0x331A00, 0xFF8000));
 }
@@ -185,7 +185,7 @@ TEST(BitmapFormats, ColourAndAlphaAreMultipliedWithTheCurrentOnes) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0xFF, 0xFF});
     EXPECT_THAT(firstRow(scanner, 1,
-                         std::vector{color(0x804020), alpha(51)} +
+                         std::vector{colorRgb(0x804020), colorA(51)} +
                              bitmap(format::Rgb565, 2, 1, bitmapSize(nearest, 1, 1))),
                 ElementsAre(0x1A0D06));
 }
@@ -209,7 +209,7 @@ TEST(BitmapFormats, E3TakesTheExtendedFormatWhenTheLayoutSaysSo) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0, 255});
     EXPECT_THAT(firstRow(scanner, 2,
-                         std::vector{word(opcode::BitmapExtFormat, format::L8)} +
+                         std::vector{bitmapExtFormat(format::L8)} +
                              bitmap(format::External, 2, 1, bitmapSize(nearest, 2, 1))),
                 ElementsAre(0x000000, 0xFFFFFF));
 }
@@ -237,8 +237,8 @@ TEST(Bitmaps, CellsFollowOneAnotherInMemory) {
                                            bitmapLayout(format::L1, 1, 2),
                                            bitmapSize(nearest, 2, 2), begin(primitive::Bitmaps)};
     EXPECT_EQ(drawn(scanner, 8, 2,
-                    setUp + std::vector{vertex2ii(0, 0), vertex2ii(3, 0, 0, 1),
-                                        word(opcode::Cell, 2), vertex2f(6 * 16, 0)}),
+                    setUp + std::vector{vertex2ii(0, 0), vertex2ii(3, 0, 0, 1), cell(2),
+                                        vertex2f(6 * 16, 0)}),
               rows({
                   "#..##...",
                   ".#....##",
@@ -357,8 +357,7 @@ TEST(BitmapTransforms, HalfTheStepDrawsItTwiceAsLarge) {
     Scanner scanner;
     storeArrow(scanner);
     EXPECT_EQ(drawn(scanner, 8, 8,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 128),
-                                transformFactor(opcode::BitmapTransformE, 128)} +
+                    std::vector{bitmapTransform(0, 128), bitmapTransform(4, 128)} +
                         bitmap(format::L8, 4, 4, bitmapSize(nearest, 8, 8))),
               rows({
                   "..##....",
@@ -377,7 +376,7 @@ TEST(BitmapTransforms, E3HasFinerFactors) {
     storeArrow(scanner);
     const std::uint32_t fine = 1 << 17;
     EXPECT_EQ(drawn(scanner, 8, 4,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 16384) | fine} +
+                    std::vector{bitmapTransform(0, 16384) | fine} +
                         bitmap(format::L8, 4, 4, bitmapSize(nearest, 8, 4))),
               rows({
                   "..##....",
@@ -391,27 +390,24 @@ TEST(BitmapTransforms, AQuarterTurnSwapsRowsAndColumns) {
     Scanner scanner;
     storeArrow(scanner);
     // s = v, t = 3 - u
-    EXPECT_EQ(drawn(scanner, 4, 4,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 0),
-                                transformFactor(opcode::BitmapTransformB, 256),
-                                transformFactor(opcode::BitmapTransformD, -256),
-                                transformFactor(opcode::BitmapTransformE, 0),
-                                transformOffset(opcode::BitmapTransformF, 3 * 256)} +
-                        bitmap(format::L8, 4, 4, bitmapSize(nearest, 4, 4))),
-              rows({
-                  "..#.",
-                  "####",
-                  "..#.",
-                  "....",
-              }));
+    EXPECT_EQ(
+        drawn(scanner, 4, 4,
+              std::vector{bitmapTransform(0, 0), bitmapTransform(1, 256), bitmapTransform(3, -256),
+                          bitmapTransform(4, 0), bitmapTransform(5, 3 * 256)} +
+                  bitmap(format::L8, 4, 4, bitmapSize(nearest, 4, 4))),
+        rows({
+            "..#.",
+            "####",
+            "..#.",
+            "....",
+        }));
 }
 
 TEST(BitmapTransforms, OffsetsShiftThePicture) {
     Scanner scanner;
     storeArrow(scanner);
     EXPECT_EQ(drawn(scanner, 4, 4,
-                    std::vector{transformOffset(opcode::BitmapTransformC, -256),
-                                transformOffset(opcode::BitmapTransformF, 256)} +
+                    std::vector{bitmapTransform(2, -256), bitmapTransform(5, 256)} +
                         bitmap(format::L8, 4, 4, bitmapSize(nearest, 4, 4))),
               rows({
                   ".###",
@@ -425,7 +421,7 @@ TEST(BitmapTransforms, BilinearBlendsNeighbouringTexels) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0, 255});
     EXPECT_EQ(drawn(scanner, 9, 1,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 64)} +
+                    std::vector{bitmapTransform(0, 64)} +
                         bitmap(format::L8, 2, 1, bitmapSize(bilinear, 9, 1))),
               rows({".357#753."}));
 }
@@ -434,8 +430,7 @@ TEST(BitmapTransforms, BilinearWorksInBothDirections) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0, 255, 255, 0});
     EXPECT_EQ(drawn(scanner, 3, 3,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 128),
-                                transformFactor(opcode::BitmapTransformE, 128)} +
+                    std::vector{bitmapTransform(0, 128), bitmapTransform(4, 128)} +
                         bitmap(format::L8, 2, 2, bitmapSize(bilinear, 3, 3))),
               rows({
                   ".5#",
@@ -448,7 +443,7 @@ TEST(BitmapTransforms, BilinearRepeatBlendsAcrossTheSeam) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0, 255});
     EXPECT_EQ(drawn(scanner, 8, 1,
-                    std::vector{transformFactor(opcode::BitmapTransformA, 128)} +
+                    std::vector{bitmapTransform(0, 128)} +
                         bitmap(format::L8, 2, 1, bitmapSize(bilinear | repeatX, 8, 1))),
               rows({".5#5.5#5"}));
 }
@@ -457,17 +452,15 @@ TEST(BitmapTransforms, BilinearColoursBlendChannelByChannel) {
     Scanner scanner;
     scanner.store(bitmapAddress, {0x00, 0xF8, 0x1F, 0x00}); // red, blue
     EXPECT_THAT(firstRow(scanner, 3,
-                         std::vector{transformFactor(opcode::BitmapTransformA, 128)} +
+                         std::vector{bitmapTransform(0, 128)} +
                              bitmap(format::Rgb565, 4, 1, bitmapSize(bilinear, 3, 1))),
                 ElementsAre(0xFF0000, 0x800080, 0x0000FF));
 }
 
 TEST(BitmapTransforms, AreTheSameWhateverPartOfThePanelIsDrawnFirst) {
     const std::vector<std::uint32_t> scene =
-        std::vector{transformFactor(opcode::BitmapTransformA, 77),
-                    transformFactor(opcode::BitmapTransformB, -31),
-                    transformFactor(opcode::BitmapTransformD, 45),
-                    transformFactor(opcode::BitmapTransformE, 99)} +
+        std::vector{bitmapTransform(0, 77), bitmapTransform(1, -31), bitmapTransform(3, 45),
+                    bitmapTransform(4, 99)} +
         bitmap(format::L8, 4, 4, bitmapSize(bilinear | repeatX, 40, 30), 3, 2);
     Scanner whole;
     storeArrow(whole);

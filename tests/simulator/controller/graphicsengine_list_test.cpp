@@ -21,6 +21,7 @@ using testing::SizeIs;
 
 namespace {
 
+constexpr std::uint32_t returnFromCall = word(opcode::Return);
 constexpr std::uint32_t call(std::uint32_t index) {
     return word(opcode::Call, index);
 }
@@ -30,7 +31,7 @@ constexpr std::uint32_t jump(std::uint32_t index) {
 
 // The words that set one pixel of the first row in the current colour.
 std::vector<std::uint32_t> dot(int x) {
-    return {begin(primitive::EdgeStripA), vertex2f(x * 16, 16), vertex2f(x * 16 + 16, 16), end};
+    return {begin(primitive::EdgeStripA), vertex2f(x * 16, 16), vertex2f(x * 16 + 16, 16), end()};
 }
 
 std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
@@ -55,7 +56,7 @@ std::vector<std::string> complaintsOf(Generation generation,
 
 TEST(DisplayList, EndsAtDisplay) {
     Scanner scanner;
-    EXPECT_EQ(drawn(scanner, dot(1) + std::vector{display} + dot(3)), rows({".#......"}));
+    EXPECT_EQ(drawn(scanner, dot(1) + std::vector{display()} + dot(3)), rows({".#......"}));
 }
 
 TEST(DisplayList, JumpGoesOnElsewhere) {
@@ -65,14 +66,14 @@ TEST(DisplayList, JumpGoesOnElsewhere) {
 
 TEST(DisplayList, CallComesBack) {
     Scanner scanner;
-    // 0: call 6, 1..4: dot, 5: display, 6..9: dot, 10: return
-    EXPECT_EQ(drawn(scanner, std::vector{call(6)} + dot(1) + std::vector{display} + dot(3) +
+    // 0: call 6, 1..4: dot, 5: display(), 6..9: dot, 10: return
+    EXPECT_EQ(drawn(scanner, std::vector{call(6)} + dot(1) + std::vector{display()} + dot(3) +
                                  std::vector{returnFromCall}),
               rows({".#.#...."}));
 }
 
 TEST(DisplayList, CallsNestFourDeep) {
-    std::vector<std::uint32_t> list(64, display);
+    std::vector<std::uint32_t> list(64, display());
     list[0] = call(10);
     list[10] = call(20);
     list[11] = returnFromCall;
@@ -88,36 +89,34 @@ TEST(DisplayList, CallsNestFourDeep) {
 
 TEST(DisplayList, MacroExecutesTheWordInItsRegister) {
     Scanner scanner;
-    scanner.macros() = {color(0x00FF00), color(0)};
-    EXPECT_EQ(drawn(scanner, std::vector{word(opcode::Macro, 1)} + dot(0) +
-                                 std::vector{word(opcode::Macro, 0)} + dot(1)),
+    scanner.macros() = {colorRgb(0x00FF00), colorRgb(0)};
+    EXPECT_EQ(drawn(scanner, std::vector{macro(1)} + dot(0) + std::vector{macro(0)} + dot(1)),
               rows({".#......"}));
 }
 
 TEST(DisplayList, AMacroThatHoldsMacroIsComplainedAbout) {
     Scanner scanner;
-    scanner.macros() = {word(opcode::Macro, 0), 0};
-    EXPECT_THAT(scanner.scan(1, 1, {word(opcode::Macro, 0)}).complaints,
-                ElementsAre(HasSubstr("MACRO")));
+    scanner.macros() = {macro(0), 0};
+    EXPECT_THAT(scanner.scan(1, 1, {macro(0)}).complaints, ElementsAre(HasSubstr("MACRO")));
 }
 
 // --- contexts
 
 TEST(Contexts, RestoreBringsBackWhatWasSaved) {
     Scanner scanner;
-    EXPECT_EQ(drawn(scanner, std::vector{saveContext, color(0), restoreContext} + dot(2)),
+    EXPECT_EQ(drawn(scanner, std::vector{saveContext(), colorRgb(0), restoreContext()} + dot(2)),
               rows({"..#....."}));
 }
 
 TEST(Contexts, AreFourDeep) {
     std::vector<std::uint32_t> list;
     for (std::uint32_t i = 0; i < 4; ++i) {
-        list = list + std::vector{color(0x003300 * i), saveContext};
+        list = list + std::vector{colorRgb(0x003300 * i), saveContext()};
     }
-    list.push_back(color(0x00FF00));
+    list.push_back(colorRgb(0x00FF00));
     list = list + dot(0);
     for (int i = 1; i <= 4; ++i) {
-        list.push_back(restoreContext);
+        list.push_back(restoreContext());
         list = list + dot(i);
     }
     Scanner scanner;
@@ -125,25 +124,25 @@ TEST(Contexts, AreFourDeep) {
 }
 
 TEST(Contexts, AFifthSaveAndAFifthRestoreAreComplainedAbout) {
-    EXPECT_THAT(complaintsOf(Generation::E3, std::vector<std::uint32_t>(5, saveContext)),
+    EXPECT_THAT(complaintsOf(Generation::E3, std::vector<std::uint32_t>(5, saveContext())),
                 ElementsAre(HasSubstr("SAVE_CONTEXT")));
-    EXPECT_THAT(complaintsOf(Generation::E3, {restoreContext}),
+    EXPECT_THAT(complaintsOf(Generation::E3, {restoreContext()}),
                 ElementsAre(HasSubstr("RESTORE_CONTEXT")));
 }
 
 TEST(Contexts, DoNotHoldWhatBelongsToABitmapHandle) {
     Scanner scanner;
     scanner.store(0x40, {255});
-    EXPECT_EQ(drawn(scanner, {saveContext, bitmapSource(0x40), bitmapLayout(format::L8, 1, 1),
-                              bitmapSize(nearest, 1, 1), restoreContext, begin(primitive::Bitmaps),
-                              vertex2ii(4, 0)}),
+    EXPECT_EQ(drawn(scanner, {saveContext(), bitmapSource(0x40), bitmapLayout(format::L8, 1, 1),
+                              bitmapSize(nearest, 1, 1), restoreContext(),
+                              begin(primitive::Bitmaps), vertex2ii(4, 0)}),
               rows({"....#..."}));
 }
 
 TEST(Contexts, EveryFrameStartsAnew) {
     Scanner scanner;
-    drawn(scanner, {color(0), alpha(0), scissorSize(0, 0), word(opcode::VertexFormat, 0),
-                    word(opcode::VertexTranslateX, 160), saveContext});
+    drawn(scanner, {colorRgb(0), colorA(0), scissorSize(0, 0), vertexFormat(0),
+                    word(opcode::VertexTranslateX, 160), saveContext()});
     EXPECT_EQ(drawn(scanner, dot(5)), rows({".....#.."}));
 }
 
@@ -153,7 +152,7 @@ TEST(Vertices, VertexFormatSaysHowManyFractionBitsThereAre) {
     for (int fraction = 0; fraction <= 4; ++fraction) {
         Scanner scanner;
         const int one = 1 << fraction;
-        EXPECT_EQ(drawn(scanner, {word(opcode::VertexFormat, static_cast<std::uint32_t>(fraction)),
+        EXPECT_EQ(drawn(scanner, {vertexFormat(static_cast<std::uint32_t>(fraction)),
                                   begin(primitive::EdgeStripA), vertex2f(2 * one, one),
                                   vertex2f(5 * one, one)}),
                   rows({"..###..."}));
@@ -215,19 +214,19 @@ TEST(BadWords, ThoseOfALaterGenerationAreUnknown) {
 
 TEST(BadWords, FieldsWithNoMeaningAreComplainedAbout) {
     EXPECT_THAT(complaintsOf(Generation::E3, {begin(12)}), ElementsAre(HasSubstr("primitive 12")));
-    EXPECT_THAT(complaintsOf(Generation::E3, {word(opcode::VertexFormat, 5)}),
+    EXPECT_THAT(complaintsOf(Generation::E3, {vertexFormat(5)}),
                 ElementsAre(HasSubstr("VERTEX_FORMAT")));
     EXPECT_THAT(complaintsOf(Generation::E3, {word(opcode::BlendFunc, 7 << 3)}),
                 ElementsAre(HasSubstr("blend")));
     EXPECT_THAT(complaintsOf(Generation::E3, {word(opcode::BitmapSwizzle, 7)}),
                 ElementsAre(HasSubstr("swizzle")));
-    EXPECT_THAT(complaintsOf(Generation::E3, {bitmapSource(1 << 23)}),
+    EXPECT_THAT(complaintsOf(Generation::E3, {word(opcode::BitmapSource, 1 << 23)}),
                 ElementsAre(HasSubstr("flash")));
 }
 
 TEST(BadLists, WithoutDisplayTheyEndAtTheLastWord) {
     Scanner scanner;
-    const std::vector<std::uint32_t> list(displayListWords, color(0));
+    const std::vector<std::uint32_t> list(displayListWords, colorRgb(0));
     EXPECT_THAT(scanner.scanWhole(1, 1, list).complaints, ElementsAre(HasSubstr("DISPLAY")));
 }
 

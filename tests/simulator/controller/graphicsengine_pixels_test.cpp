@@ -21,7 +21,7 @@ std::uint32_t pixels(int x, int y) {
 
 // The words that fill pixels [x, right) of the first rows: sharp upright edges.
 std::vector<std::uint32_t> columns(int x, int right) {
-    return {begin(primitive::EdgeStripA), pixels(x, 100), pixels(right, 100), end};
+    return {begin(primitive::EdgeStripA), pixels(x, 100), pixels(right, 100), end()};
 }
 
 std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
@@ -30,9 +30,6 @@ std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
     return a;
 }
 
-std::uint32_t blendFunc(std::uint32_t source, std::uint32_t destination) {
-    return word(opcode::BlendFunc, source << 3 | destination);
-}
 std::uint32_t stencilFunc(std::uint32_t function, std::uint32_t reference, std::uint32_t mask) {
     return word(opcode::StencilFunc, function << 16 | reference << 8 | mask);
 }
@@ -71,12 +68,12 @@ const std::vector<std::uint32_t> onePixel = columns(0, 1);
 
 TEST(Clear, AListWithoutClearStartsBlack) {
     Scanner scanner;
-    scanner.scan(1, 1, {clearColor(0x123456), clearAll});
+    scanner.scan(1, 1, {clearColorRgb(0x123456), clearAll});
     EXPECT_EQ(scanner.scan(1, 1, {}).picture.at(0, 0), 0xFF000000);
 }
 
 TEST(Clear, ClearsColourTagAndStencilEachByItsBit) {
-    const std::vector<std::uint32_t> values{clearColor(0xFFFFFF), word(opcode::ClearTag, 2),
+    const std::vector<std::uint32_t> values{clearColorRgb(0xFFFFFF), word(opcode::ClearTag, 2),
                                             word(opcode::ClearStencil, 7)};
     Scanner scanner;
     const Frame& color = scanner.scan(1, 1, values + std::vector{word(opcode::Clear, 4)});
@@ -99,7 +96,8 @@ TEST(Clear, IsLimitedByTheScissor) {
     Scanner scanner;
     EXPECT_EQ(
         letterpicture::brightness(
-            scanner.scan(6, 4, {scissorXy(1, 1), scissorSize(3, 2), clearColor(0xFFFFFF), clearAll})
+            scanner
+                .scan(6, 4, {scissorXy(1, 1), scissorSize(3, 2), clearColorRgb(0xFFFFFF), clearAll})
                 .picture),
         rows({
             "......",
@@ -110,8 +108,8 @@ TEST(Clear, IsLimitedByTheScissor) {
 }
 
 TEST(Clear, KeepsMaskedColourChannels) {
-    EXPECT_EQ(pixelAfter({clearColor(0x112233), clearAll, word(opcode::ColorMask, 0b0101),
-                          clearColor(0xFFFFFF), clearAll}),
+    EXPECT_EQ(pixelAfter({clearColorRgb(0x112233), clearAll, word(opcode::ColorMask, 0b0101),
+                          clearColorRgb(0xFFFFFF), clearAll}),
               0x11FF33U);
 }
 
@@ -136,7 +134,7 @@ TEST(Scissor, HasNarrowerFieldsInE1) {
     const std::uint32_t xy = word(opcode::ScissorXy, 2 << 9 | 1);
     const std::uint32_t size = word(opcode::ScissorSize, 3 << 10 | 2);
     EXPECT_EQ(letterpicture::brightness(
-                  scanner.scan(6, 4, {xy, size, clearColor(0xFFFFFF), clearAll}).picture),
+                  scanner.scan(6, 4, {xy, size, clearColorRgb(0xFFFFFF), clearAll}).picture),
               rows({
                   "......",
                   "..###.",
@@ -148,38 +146,40 @@ TEST(Scissor, HasNarrowerFieldsInE1) {
 TEST(Scissor, OfNoSizeOrOutsideThePanelDrawsNothing) {
     for (const auto& scissor : {std::vector{scissorSize(0, 0)}, std::vector{scissorXy(2000, 0)},
                                 std::vector{scissorXy(0, 2000)}}) {
-        EXPECT_EQ(pixelAfter(scissor + std::vector{clearColor(0xFFFFFF), clearAll} + onePixel), 0U);
+        EXPECT_EQ(pixelAfter(scissor + std::vector{clearColorRgb(0xFFFFFF), clearAll} + onePixel),
+                  0U);
     }
 }
 
 // --- blending
 
 TEST(Blending, AlphaMixesSourceAndDestination) {
-    EXPECT_EQ(pixelAfter(std::vector{clearColor(0x0000FF), clearAll, color(0xFF0000), alpha(51)} +
-                         onePixel),
-              0x3300CCU);
+    EXPECT_EQ(
+        pixelAfter(std::vector{clearColorRgb(0x0000FF), clearAll, colorRgb(0xFF0000), colorA(51)} +
+                   onePixel),
+        0x3300CCU);
 }
 
 TEST(Blending, OneAndZeroReplace) {
-    EXPECT_EQ(pixelAfter(std::vector{clearColor(0x0000FF), clearAll, color(0x806040), alpha(51),
-                                     blendFunc(blend::One, blend::Zero)} +
+    EXPECT_EQ(pixelAfter(std::vector{clearColorRgb(0x0000FF), clearAll, colorRgb(0x806040),
+                                     colorA(51), blendFunc(blend::One, blend::Zero)} +
                          onePixel),
               0x806040U);
 }
 
 TEST(Blending, OneAndOneAddUpToFull) {
-    EXPECT_EQ(pixelAfter(std::vector{clearColor(0x0080FF), clearAll, color(0x104090),
+    EXPECT_EQ(pixelAfter(std::vector{clearColorRgb(0x0080FF), clearAll, colorRgb(0x104090),
                                      blendFunc(blend::One, blend::One)} +
                          onePixel),
               0x10C0FFU);
 }
 
 TEST(Blending, DestinationAlphaIsWhatHasBeenDrawnThere) {
-    EXPECT_EQ(pixelAfter(std::vector{word(opcode::ClearColorA, 51), clearAll, color(0xFFFFFF),
+    EXPECT_EQ(pixelAfter(std::vector{word(opcode::ClearColorA, 51), clearAll, colorRgb(0xFFFFFF),
                                      blendFunc(blend::DstAlpha, blend::Zero)} +
                          onePixel),
               0x333333U);
-    EXPECT_EQ(pixelAfter(std::vector{word(opcode::ClearColorA, 51), clearAll, color(0xFFFFFF),
+    EXPECT_EQ(pixelAfter(std::vector{word(opcode::ClearColorA, 51), clearAll, colorRgb(0xFFFFFF),
                                      blendFunc(blend::OneMinusDstAlpha, blend::Zero)} +
                          onePixel),
               0xCCCCCCU);
@@ -190,8 +190,8 @@ TEST(Blending, GoesTheSameWayWithAndWithoutATest) {
     Scanner scanner;
     for (std::uint32_t a = 0; a < 256; ++a) {
         const auto pixel = [&](std::uint32_t extra) {
-            const std::vector<std::uint32_t> setUp{clearColor(0x3C5A77), clearAll, extra,
-                                                   color(0xF10488), alpha(a)};
+            const std::vector<std::uint32_t> setUp{clearColorRgb(0x3C5A77), clearAll, extra,
+                                                   colorRgb(0xF10488), colorA(a)};
             return scanner.scan(1, 1, setUp + onePixel).picture.at(0, 0);
         };
         EXPECT_EQ(pixel(alphaFunc(test::Always, 0)), pixel(alphaFunc(test::GreaterOrEqual, 0)));
@@ -199,8 +199,8 @@ TEST(Blending, GoesTheSameWayWithAndWithoutATest) {
 }
 
 TEST(Blending, ColorMaskKeepsChannels) {
-    EXPECT_EQ(pixelAfter(std::vector{clearColor(0x112233), clearAll,
-                                     word(opcode::ColorMask, 0b1010), color(0xAABBCC)} +
+    EXPECT_EQ(pixelAfter(std::vector{clearColorRgb(0x112233), clearAll,
+                                     word(opcode::ColorMask, 0b1010), colorRgb(0xAABBCC)} +
                          onePixel),
               0xAA22CCU);
 }
@@ -211,7 +211,7 @@ TEST(AlphaTest, ComparesTheSourcesAlphaWithTheReference) {
     const auto passing = [](std::uint32_t function) {
         std::string drawn;
         for (const std::uint32_t a : {99U, 100U, 101U}) {
-            drawn += pixelAfter(std::vector{alphaFunc(function, 100), alpha(a)} + onePixel) != 0
+            drawn += pixelAfter(std::vector{alphaFunc(function, 100), colorA(a)} + onePixel) != 0
                          ? 'x'
                          : '.';
         }
@@ -259,10 +259,10 @@ TEST(Stencil, OperationsChangeTheValue) {
     const auto after = [](std::uint32_t operation, std::uint32_t start, std::uint32_t expected) {
         return pixelAfter(std::vector{word(opcode::ClearStencil, start), clearAll,
                                       stencilFunc(test::Always, 9, 255),
-                                      stencilOp(stencilop::Keep, operation), color(0)} +
+                                      stencilOp(stencilop::Keep, operation), colorRgb(0)} +
                           onePixel +
                           std::vector{stencilOp(stencilop::Keep, stencilop::Keep),
-                                      stencilFunc(test::Equal, expected, 255), color(0xFFFFFF)} +
+                                      stencilFunc(test::Equal, expected, 255), colorRgb(0xFFFFFF)} +
                           onePixel) != 0;
     };
     EXPECT_TRUE(after(stencilop::Zero, 5, 0));
@@ -280,7 +280,8 @@ TEST(Stencil, OperationsChangeTheValue) {
 TEST(Stencil, FailOperationAppliesWhereTheTestFails) {
     EXPECT_EQ(pixelAfter(std::vector{stencilFunc(test::Never, 3, 255),
                                      stencilOp(stencilop::Replace, stencilop::Keep)} +
-                         onePixel + std::vector{stencilFunc(test::Equal, 3, 255), color(0x00FF00)} +
+                         onePixel +
+                         std::vector{stencilFunc(test::Equal, 3, 255), colorRgb(0x00FF00)} +
                          onePixel),
               0x00FF00U);
 }
@@ -292,8 +293,8 @@ TEST(Stencil, MasksLimitWhatIsComparedAndWritten) {
               0xFFFFFFU);
     EXPECT_EQ(pixelAfter(
                   std::vector{word(opcode::StencilMask, 0x0F), stencilFunc(test::Always, 0xFF, 255),
-                              stencilOp(stencilop::Keep, stencilop::Replace), color(0)} +
-                  onePixel + std::vector{stencilFunc(test::Equal, 0x0F, 255), color(0xFFFFFF)} +
+                              stencilOp(stencilop::Keep, stencilop::Replace), colorRgb(0)} +
+                  onePixel + std::vector{stencilFunc(test::Equal, 0x0F, 255), colorRgb(0xFFFFFF)} +
                   onePixel),
               0xFFFFFFU);
 }
@@ -327,7 +328,7 @@ TEST(Tags, WhereCoverageIsZeroThereIsNoTag) {
 }
 
 TEST(Tags, AnInvisibleColourStillTags) {
-    EXPECT_EQ(tags(3, 1, std::vector{tag(1), alpha(0)} + columns(0, 2)), rows({"11."}));
+    EXPECT_EQ(tags(3, 1, std::vector{tag(1), colorA(0)} + columns(0, 2)), rows({"11."}));
 }
 
 TEST(Tags, AClearTakesTheClearTag) {

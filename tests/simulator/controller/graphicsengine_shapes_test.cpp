@@ -326,7 +326,7 @@ TEST(EdgeStrips, SlantingEdgesAreSmooth) {
 
 TEST(EdgeStrips, NeighbouringSegmentsLeaveNoGapAndDoNotOverlap) {
     // Half transparent, so that a pixel drawn twice or not at all would show.
-    std::vector<std::uint32_t> list{alpha(128), begin(primitive::EdgeStripB)};
+    std::vector<std::uint32_t> list{colorA(128), begin(primitive::EdgeStripB)};
     for (int i = 0; i <= 40; ++i) {
         list.push_back(vertex2f(i * 13, 16 * (4 + i % 3)));
     }
@@ -343,8 +343,8 @@ TEST(EdgeStrips, ASegmentHasTheColourOfItsSecondVertex) {
     Scanner scanner;
     const Frame& frame =
         scanner.scan(6, 2,
-                     {color(0xFF0000), begin(primitive::EdgeStripB), pixels(0, 1), color(0x00FF00),
-                      pixels(3, 1), color(0x0000FF), pixels(6, 1)});
+                     {colorRgb(0xFF0000), begin(primitive::EdgeStripB), pixels(0, 1),
+                      colorRgb(0x00FF00), pixels(3, 1), colorRgb(0x0000FF), pixels(6, 1)});
     EXPECT_EQ(letterpicture::colors(frame.picture,
                                     {{0, '.'}, {0xFF0000, 'R'}, {0x00FF00, 'G'}, {0x0000FF, 'B'}}),
               rows({
@@ -391,25 +391,25 @@ TEST(Shapes, AreTheSameWhateverPartOfThePanelIsDrawnFirst) {
                                            vertex2f(300, 200),
                                            vertex2f(455, 299),
                                            begin(primitive::EdgeStripL),
-                                           color(0x00A000),
+                                           colorRgb(0x00A000),
                                            vertex2f(100, 10),
                                            vertex2f(161, 200),
                                            vertex2f(80, 380),
                                            begin(primitive::EdgeStripA),
-                                           color(0x00FFFF),
+                                           colorRgb(0x00FFFF),
                                            vertex2f(500, 0),
                                            vertex2f(730, 211)};
     Scanner whole;
-    std::vector<std::uint32_t> list{alpha(190)};
+    std::vector<std::uint32_t> list{colorA(190)};
     list.insert(list.end(), scene.begin(), scene.end());
     const Picture expected = whole.scan(48, 32, list).picture;
 
-    std::vector<std::uint32_t> tiles{alpha(190)};
+    std::vector<std::uint32_t> tiles{colorA(190)};
     for (std::uint32_t y = 32; y > 0; y -= 8) { // from the bottom up
         for (std::uint32_t x = 0; x < 48; x += 12) {
             tiles.push_back(scissorXy(x, y - 8));
             tiles.push_back(scissorSize(12, 8));
-            tiles.push_back(color(0xFFFFFF));
+            tiles.push_back(colorRgb(0xFFFFFF));
             tiles.insert(tiles.end(), scene.begin(), scene.end());
         }
     }
@@ -454,8 +454,8 @@ TEST(Shapes, FarOutsideThePanelDrawNothing) {
 
 TEST(Shapes, LinesFromFarAwayCrossThePanelTrue) {
     EXPECT_EQ(drawn(4, 4,
-                    {lineWidth(16), word(opcode::VertexFormat, 0), begin(primitive::Lines),
-                     vertex2f(-16000, 2), vertex2f(16000, 2)}),
+                    {lineWidth(16), vertexFormat(0), begin(primitive::Lines), vertex2f(-16000, 2),
+                     vertex2f(16000, 2)}),
               rows({
                   "....",
                   "####",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "displaylist.h"
+#include "dlwords.h"
 #include "fontrom.h"
 #include "graphicsengine.h"
 #include "graphicsmemory.h"
@@ -15,83 +16,31 @@
 // A graphics engine with its memories, and words to feed it.
 namespace controller {
 
-// --- display-list words (E2/E3 layout where the generations differ)
+// What the tests need beside the words of dlwords.h: shorter forms for E3.
 namespace words {
 
-constexpr std::uint32_t word(std::uint32_t code, std::uint32_t fields = 0) {
-    return code << 24 | fields;
-}
+using namespace dl;
 
-constexpr std::uint32_t display = word(opcode::Display);
-constexpr std::uint32_t end = word(opcode::End);
-constexpr std::uint32_t clearAll = word(opcode::Clear, 7);
-constexpr std::uint32_t saveContext = word(opcode::SaveContext);
-constexpr std::uint32_t restoreContext = word(opcode::RestoreContext);
-constexpr std::uint32_t returnFromCall = word(opcode::Return);
-
-constexpr std::uint32_t clearColor(std::uint32_t rgb) {
-    return word(opcode::ClearColorRgb, rgb);
-}
-constexpr std::uint32_t color(std::uint32_t rgb) {
-    return word(opcode::ColorRgb, rgb);
-}
-constexpr std::uint32_t alpha(std::uint32_t a) {
-    return word(opcode::ColorA, a);
-}
-constexpr std::uint32_t tag(std::uint32_t value) {
-    return word(opcode::Tag, value);
-}
-constexpr std::uint32_t tagMask(std::uint32_t mask) {
-    return word(opcode::TagMask, mask);
-}
-constexpr std::uint32_t begin(std::uint32_t kind) {
-    return word(opcode::Begin, kind);
-}
-constexpr std::uint32_t pointSize(std::uint32_t radius) {
-    return word(opcode::PointSize, radius);
-}
-constexpr std::uint32_t lineWidth(std::uint32_t half) {
-    return word(opcode::LineWidth, half);
-}
-constexpr std::uint32_t scissorXy(std::uint32_t x, std::uint32_t y) {
-    return word(opcode::ScissorXy, x << 11 | y);
-}
-constexpr std::uint32_t scissorSize(std::uint32_t width, std::uint32_t height) {
-    return word(opcode::ScissorSize, width << 12 | height);
-}
-constexpr std::uint32_t bitmapHandle(std::uint32_t handle) {
-    return word(opcode::BitmapHandle, handle);
-}
-constexpr std::uint32_t bitmapSource(std::uint32_t address) {
-    return word(opcode::BitmapSource, address);
-}
-constexpr std::uint32_t bitmapLayout(std::uint32_t format, std::uint32_t stride,
-                                     std::uint32_t height) {
-    return word(opcode::BitmapLayout, format << 19 | stride << 9 | height);
-}
+constexpr std::uint32_t clearAll = dl::clear(true, true, true);
 constexpr std::uint32_t nearest = 0;
 constexpr std::uint32_t bilinear = 1U << 20;
 constexpr std::uint32_t repeatX = 1U << 19;
 constexpr std::uint32_t repeatY = 1U << 18;
+
+constexpr std::uint32_t word(std::uint32_t code) {
+    return dl::word(code, 0);
+}
+constexpr std::uint32_t scissorXy(std::uint32_t x, std::uint32_t y) {
+    return dl::scissorXy(Generation::E3, x, y);
+}
+constexpr std::uint32_t scissorSize(std::uint32_t width, std::uint32_t height) {
+    return dl::scissorSize(Generation::E3, width, height);
+}
 constexpr std::uint32_t bitmapSize(std::uint32_t flags, std::uint32_t width, std::uint32_t height) {
-    return word(opcode::BitmapSize, flags | width << 9 | height);
+    return dl::bitmapSize(width, height) | flags;
 }
-// `value` in the word's own unit: 1/256 pixel.
-constexpr std::uint32_t transformFactor(std::uint32_t code, int value) {
-    return word(code, static_cast<std::uint32_t>(value) & 0x1FFFF);
-}
-constexpr std::uint32_t transformOffset(std::uint32_t code, int value) {
-    return word(code, static_cast<std::uint32_t>(value) & 0xFFFFFF);
-}
-// Whole pixels.
-constexpr std::uint32_t vertex2ii(std::uint32_t x, std::uint32_t y, std::uint32_t handle = 0,
-                                  std::uint32_t cell = 0) {
-    return 2U << 30 | x << 21 | y << 12 | handle << 7 | cell;
-}
-// 1/16 pixel, unless VERTEX_FORMAT says otherwise.
-constexpr std::uint32_t vertex2f(int x, int y) {
-    return 1U << 30 | (static_cast<std::uint32_t>(x) & 0x7FFF) << 15 |
-           (static_cast<std::uint32_t>(y) & 0x7FFF);
+constexpr std::uint32_t vertex2ii(std::uint32_t x, std::uint32_t y, std::uint32_t handle = 0) {
+    return dl::vertex2ii(x, y, handle, 0);
 }
 
 } // namespace words
