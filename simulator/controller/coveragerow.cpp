@@ -22,17 +22,19 @@ CoverageRow::CoverageRow(int left, int right)
 void CoverageRow::add(const RowSpan& span, int count) {
     const std::int64_t leftmost = static_cast<std::int64_t>(m_left) * rowUnits;
     const std::int64_t rightmost = static_cast<std::int64_t>(m_right) * rowUnits;
-    const auto left = static_cast<int>(std::clamp(span.left, leftmost, rightmost) - leftmost);
-    const auto right = static_cast<int>(std::clamp(span.right, leftmost, rightmost) - leftmost);
+    const auto left =
+        static_cast<std::uint32_t>(std::clamp(span.left, leftmost, rightmost) - leftmost);
+    const auto right =
+        static_cast<std::uint32_t>(std::clamp(span.right, leftmost, rightmost) - leftmost);
     if (left >= right) {
         return;
     }
     addEdge(left, count);
     addEdge(right, -count);
-    const int first = left / rowUnits;
-    const int end = (right + rowUnits - 1) / rowUnits;
-    const int innerFirst = (left + rowUnits - 1) / rowUnits;
-    const int innerEnd = right / rowUnits;
+    const auto first = static_cast<int>(left / rowUnits);
+    const auto end = static_cast<int>((right + rowUnits - 1) / rowUnits);
+    const auto innerFirst = static_cast<int>((left + rowUnits - 1) / rowUnits);
+    const auto innerEnd = static_cast<int>(right / rowUnits);
     if (m_lines == 0) {
         m_first = first;
         m_end = end;
@@ -48,9 +50,9 @@ void CoverageRow::add(const RowSpan& span, int count) {
 }
 
 // From `position` on, `weight` lines more are covered.
-void CoverageRow::addEdge(int position, int weight) {
-    const auto pixel = static_cast<std::size_t>(position / rowUnits);
-    const int outside = position % rowUnits;
+void CoverageRow::addEdge(std::uint32_t position, int weight) {
+    const std::size_t pixel = position / rowUnits;
+    const auto outside = static_cast<int>(position % rowUnits);
     m_changes[pixel] += weight * (rowUnits - outside);
     m_changes[pixel + 1] += weight * outside;
 }

@@ -32,7 +32,7 @@ public:
     void draw(PixelPipeline& pipeline, int y);
 
 private:
-    void addEdge(int position, int weight);
+    void addEdge(std::uint32_t position, int weight);
     void drawPartial(PixelPipeline& pipeline, int y, int from, int to);
 
     int m_left;

@@ -87,6 +87,30 @@ private:
     std::int64_t m_radius;
 };
 
+// A side of a convex polygon.
+class Side {
+public:
+    Side() = default;
+    Side(Vector a, Vector b) : m_upper(a.y < b.y ? a : b), m_bottom(std::max(a.y, b.y)) {
+        if (a.y != b.y) {
+            m_slope = (b.x - a.x) * slopeUnit / (b.y - a.y);
+        }
+    }
+
+    bool crosses(std::int64_t y) const { return y >= m_upper.y && y < m_bottom; }
+    // Where it crosses y.
+    std::int64_t at(std::int64_t y) const {
+        return m_upper.x + floorQuotient((y - m_upper.y) * m_slope, slopeUnit);
+    }
+
+private:
+    static constexpr std::int64_t slopeUnit = 1 << 24;
+
+    Vector m_upper{};
+    std::int64_t m_bottom = 0;
+    std::int64_t m_slope = 0; // x per y, in 1/2^24
+};
+
 // A line with round ends: two discs and the band between them.
 class Capsule {
 public:
@@ -98,9 +122,11 @@ public:
         const Vector across = length == 0
                                   ? Vector{0, 0}
                                   : Vector{-along.y * radius / length, along.x * radius / length};
-        m_corners = {
-            Vector{from.x + across.x, from.y + across.y}, Vector{to.x + across.x, to.y + across.y},
-            Vector{to.x - across.x, to.y - across.y}, Vector{from.x - across.x, from.y - across.y}};
+        const Vector a{from.x + across.x, from.y + across.y};
+        const Vector b{to.x + across.x, to.y + across.y};
+        const Vector c{to.x - across.x, to.y - across.y};
+        const Vector d{from.x - across.x, from.y - across.y};
+        m_band = {Side(a, b), Side(b, c), Side(c, d), Side(d, a)};
     }
 
     std::int64_t top() const { return m_upper - m_radius; }
@@ -119,13 +145,10 @@ public:
                 right = std::max(right, disc->x() + half);
             }
         }
-        for (std::size_t i = 0; i < m_corners.size(); ++i) {
-            const Vector& a = m_corners[i];
-            const Vector& b = m_corners[(i + 1) % m_corners.size()];
-            if ((a.y <= y) != (b.y <= y)) {
-                const std::int64_t x = a.x + (y - a.y) * (b.x - a.x) / (b.y - a.y);
-                left = std::min(left, x);
-                right = std::max(right, x);
+        for (const Side& side : m_band) {
+            if (side.crosses(y)) {
+                left = std::min(left, side.at(y));
+                right = std::max(right, side.at(y));
             }
         }
         return left < right ? rounded(left, right) : nothing;
@@ -138,7 +161,7 @@ private:
     bool m_upright;
     std::int64_t m_upper; // end of the segment
     std::int64_t m_lower;
-    std::array<Vector, 4> m_corners{}; // of the band, in order
+    std::array<Side, 4> m_band;
 };
 
 class RoundedRectangle {
