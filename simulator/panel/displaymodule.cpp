@@ -54,10 +54,14 @@ void DisplayModule::setAnswering(bool answering) {
     m_controller.setAnswering(answering);
 }
 
+void DisplayModule::setCoprocessorStalled(bool stalled) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setCoprocessorStalled(stalled);
+}
+
 DisplayModule::Counts DisplayModule::counts() const {
     const std::lock_guard lock(m_mutex);
-    return {m_controller.framesScanned(), m_controller.listsSwapped(),
-            m_controller.touchTagReads()};
+    return {m_frames, m_controller.listsSwapped(), m_controller.touchTagReads()};
 }
 
 controller::PanelState DisplayModule::panel() const {
@@ -91,6 +95,7 @@ void DisplayModule::transfer(const std::uint8_t* sent, std::uint8_t* received, s
 }
 
 void DisplayModule::frameScanned(std::uint32_t /*number*/, controller::Nanoseconds /*now*/) {
+    ++m_frames;
     for (Watcher* watcher : m_watchers) {
         watcher->frameScanned(m_controller);
     }

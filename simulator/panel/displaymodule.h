@@ -42,9 +42,10 @@ public:
     void release();
     void setIdentity(std::uint32_t chipId);
     void setAnswering(bool answering);
+    void setCoprocessorStalled(bool stalled);
 
     struct Counts {
-        std::uint32_t frames = 0;
+        std::uint32_t frames = 0; // since construction, over all power cycles
         std::uint32_t swaps = 0;
         std::uint32_t touchTagReads = 0;
     };
@@ -73,6 +74,7 @@ private:
     const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
     mutable std::mutex m_mutex; // guards all below
     controller::Controller m_controller;
+    std::uint32_t m_frames = 0;
     std::vector<Watcher*> m_watchers;
 };
 

@@ -46,15 +46,20 @@ void FrameSequence::start(std::vector<script::FrameStep> steps,
     m_steps = std::move(steps);
     m_current = 0;
     enterStep(controller);
-    frameScanned(controller);
+    play(controller);
 }
 
 void FrameSequence::enterStep(const controller::Controller& controller) {
-    m_framesAtEntry = controller.framesScanned();
+    m_framesSinceEntry = 0;
     m_swapsAtEntry = controller.listsSwapped();
 }
 
 void FrameSequence::frameScanned(const controller::Controller& controller) {
+    ++m_framesSinceEntry;
+    play(controller);
+}
+
+void FrameSequence::play(const controller::Controller& controller) {
     while (m_current < m_steps.size()) {
         Event event;
         event.step = m_current;
@@ -74,7 +79,7 @@ void FrameSequence::frameScanned(const controller::Controller& controller) {
 bool FrameSequence::stepEnds(const script::FrameStep& step,
                              const controller::Controller& controller, Event& event) {
     if (const auto* frames = std::get_if<script::WaitFrames>(&step)) {
-        return controller.framesScanned() - m_framesAtEntry >= frames->count;
+        return m_framesSinceEntry >= frames->count;
     }
     if (const auto* swaps = std::get_if<script::WaitSwaps>(&step)) {
         return controller.listsSwapped() - m_swapsAtEntry >= swaps->count;

@@ -31,6 +31,7 @@ public:
     void frameScanned(const controller::Controller& controller) override;
 
 private:
+    void play(const controller::Controller& controller);
     void enterStep(const controller::Controller& controller);
     bool stepEnds(const script::FrameStep& step, const controller::Controller& controller,
                   Event& event);
@@ -38,7 +39,7 @@ private:
     const Report m_report;
     std::vector<script::FrameStep> m_steps;
     std::size_t m_current = 0;
-    std::uint32_t m_framesAtEntry = 0;
+    std::uint32_t m_framesSinceEntry = 0;
     std::uint32_t m_swapsAtEntry = 0;
 };
 

@@ -53,9 +53,9 @@ void PanelView::paintDark(QPainter& painter) const {
 }
 
 void PanelView::touchAt(QPoint position) {
-    const QPoint pixel = position / m_zoom;
-    emit touched({std::clamp(pixel.x(), 0, panelSize.width() - 1),
-                  std::clamp(pixel.y(), 0, panelSize.height() - 1)});
+    // Not QPoint's division, which rounds.
+    emit touched({std::clamp(position.x() / m_zoom, 0, panelSize.width() - 1),
+                  std::clamp(position.y() / m_zoom, 0, panelSize.height() - 1)});
 }
 
 void PanelView::mousePressEvent(QMouseEvent* event) {

@@ -135,8 +135,8 @@ const Command commands[] = {
     {"wait no-connection", [](ScriptLine&) -> Action { return WaitConnection{false}; }, "",
      "until none is"},
     {"wait exit", parseWaitExit, "[STATUS | signal N]",
-     "until the application ends (so); it may end from the\n"
-     "last \"application start\" on"},
+     "until the application ends, in this way if one is\n"
+     "given; it may do so while earlier lines are played"},
     {"press", [](ScriptLine& l) -> Action { return parseFinger(l, Finger::Action::Press); },
      "X Y [now]", "finger down, until the application has noticed"},
     {"move", [](ScriptLine& l) -> Action { return parseFinger(l, Finger::Action::Move); },
@@ -180,6 +180,12 @@ const Command commands[] = {
              l.oneOf(QStringLiteral("the state"), QStringLiteral("yes"), QStringLiteral("no"))};
      },
      "yes|no", "\"no\": every read gives 0, as without a chip"},
+    {"controller coprocessor",
+     [](ScriptLine& l) -> Action {
+         return CoprocessorStalled{!l.oneOf(QStringLiteral("the state"), QStringLiteral("running"),
+                                            QStringLiteral("stalled"))};
+     },
+     "running|stalled", "\"stalled\": it takes no more commands, as if hung"},
     {"allow complaint", [](ScriptLine& l) -> Action { return AllowComplaint{pattern(l)}; }, "TEXT",
      "a complaint of the controller that is no failure"},
     {"mark", [](ScriptLine&) -> Action { return Mark{}; }, "",

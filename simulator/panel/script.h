@@ -96,6 +96,9 @@ struct ControllerIdentity {
 struct ControllerAnswering {
     bool answering = true;
 };
+struct CoprocessorStalled {
+    bool stalled = false;
+};
 struct AllowComplaint { // a pattern
     QString pattern;
 };
@@ -113,11 +116,11 @@ struct ExpectMemoryGrowth { // of the application since the mark
 struct Report {};
 struct End {};
 
-using Action =
-    std::variant<FrameStep, WaitTime, WaitRequest, WaitConnection, WaitExit, Finger, ServerSwitch,
-                 ServerValues, ServerFault, ServerReply, ServerParams, ApplicationSwitch,
-                 BoardTransfers, ControllerIdentity, ControllerAnswering, AllowComplaint, Mark,
-                 ExpectRequests, ExpectNoRequest, ExpectMemoryGrowth, Report, End>;
+using Action = std::variant<FrameStep, WaitTime, WaitRequest, WaitConnection, WaitExit, Finger,
+                            ServerSwitch, ServerValues, ServerFault, ServerReply, ServerParams,
+                            ApplicationSwitch, BoardTransfers, ControllerIdentity,
+                            ControllerAnswering, CoprocessorStalled, AllowComplaint, Mark,
+                            ExpectRequests, ExpectNoRequest, ExpectMemoryGrowth, Report, End>;
 
 struct Statement {
     int line = 0; // in the script, from 1

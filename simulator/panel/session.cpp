@@ -154,6 +154,10 @@ public:
         m_rig.module().setAnswering(answering.answering);
         return Progress::Done;
     }
+    Progress operator()(const script::CoprocessorStalled& coprocessor) const {
+        m_rig.module().setCoprocessorStalled(coprocessor.stalled);
+        return Progress::Done;
+    }
     Progress operator()(const script::AllowComplaint& complaint) const {
         m_rig.complaints().allow(complaint.pattern);
         return Progress::Done;

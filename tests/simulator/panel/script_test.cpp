@@ -107,6 +107,7 @@ TEST(Script, CommandsApplicationBoardAndController) {
     EXPECT_TRUE(only<BoardTransfers>("board transfers working").working);
     EXPECT_EQ(only<ControllerIdentity>("controller identity 0x00011308").word, 0x11308U);
     EXPECT_FALSE(only<ControllerAnswering>("controller answering no").answering);
+    EXPECT_TRUE(only<CoprocessorStalled>("controller coprocessor stalled").stalled);
     EXPECT_EQ(only<AllowComplaint>("allow complaint \"unknown*\"").pattern, "unknown*");
 }
 

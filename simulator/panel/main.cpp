@@ -1,0 +1,133 @@
+// The virtual instrument: see --help.
+
+#include "commandline.h"
+#include "exitstatus.h"
+#include "panelwindow.h"
+#include "rig.h"
+#include "script.h"
+#include "session.h"
+#include "stopsignals.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+using panel::ExitStatus;
+
+int finish(ExitStatus status, const QString& message) {
+    if (!message.isEmpty()) {
+        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(message));
+    }
+    return static_cast<int>(status);
+}
+
+// Before there is an application object, which needs to know.
+bool hasDisplay() {
+    const char* const variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return std::any_of(std::begin(variables), std::end(variables),
+                       [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
+QStringList argumentList(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments += QString::fromLocal8Bit(argv[i]);
+    }
+    return arguments;
+}
+
+panel::script::Script readScript(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        panel::script::Script script;
+        script.error =
+            QStringLiteral("cannot read the script %1: %2").arg(path, file.errorString());
+        return script;
+    }
+    return panel::script::parse(QString::fromUtf8(file.readAll()), path);
+}
+
+// Without window and script there is nobody to restart the application: panelsim ends with it.
+void watchHeadless(panel::Rig& rig) {
+    std::printf("The instrument runs without a window. Ctrl+C ends it.\n");
+    std::fflush(stdout);
+    QObject::connect(
+        &rig.application(), &panel::Application::ended, QCoreApplication::instance(), [&rig] {
+            const panel::ProcessEnd end = *rig.application().lastEnd();
+            const QString text = QStringLiteral("the application ended with %1").arg(end.text());
+            const bool well = !end.bySignal && end.code == 0;
+            QCoreApplication::exit(
+                finish(well ? ExitStatus::Success : ExitStatus::ApplicationExited, text));
+        });
+}
+
+int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
+    panel::Rig rig(settings);
+    if (const panel::Rig::Failure failure = rig.start()) {
+        return finish(failure.status, failure.text);
+    }
+    std::unique_ptr<panel::PanelWindow> window;
+    if (!headless) {
+        window = std::make_unique<panel::PanelWindow>(rig, settings.zoom);
+        QApplication::setQuitOnLastWindowClosed(false); // the status is decided below
+        window->show();
+    }
+    std::unique_ptr<panel::Session> session;
+    if (!settings.script.isEmpty()) {
+        session = std::make_unique<panel::Session>(script, settings.timeLimit, rig);
+        session->setName(settings.script);
+        QObject::connect(session.get(), &panel::Session::ended, QCoreApplication::instance(),
+                         [](ExitStatus status, const QString& message) {
+                             QCoreApplication::exit(finish(status, message));
+                         });
+        QTimer::singleShot(0, session.get(), &panel::Session::start);
+    } else if (headless) {
+        watchHeadless(rig);
+    }
+    const panel::StopSignals stopSignals;
+    const ExitStatus whenStopped = session ? ExitStatus::Interrupted : ExitStatus::Success;
+    QObject::connect(&stopSignals, &panel::StopSignals::received, QCoreApplication::instance(),
+                     [whenStopped] { QCoreApplication::exit(finish(whenStopped, {})); });
+    if (window) {
+        QObject::connect(window.get(), &panel::PanelWindow::closed, QCoreApplication::instance(),
+                         [whenStopped] { QCoreApplication::exit(finish(whenStopped, {})); });
+    }
+    const int status = QCoreApplication::exec();
+    if (settings.statistics) {
+        std::printf("%s", qUtf8Printable(rig.statistics()));
+    }
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    panel::StopSignals::block(); // before any thread starts
+    const panel::CommandLine commandLine = panel::parseCommandLine(argumentList(argc, argv));
+    const panel::Settings& settings = commandLine.settings;
+    const bool headless = settings.headless || !hasDisplay();
+    const std::unique_ptr<QCoreApplication> application =
+        headless || commandLine.wantsHelp ? std::make_unique<QCoreApplication>(argc, argv)
+                                          : std::make_unique<QApplication>(argc, argv);
+    if (commandLine.wantsHelp) {
+        std::printf("%s", qUtf8Printable(panel::helpText()));
+        return 0;
+    }
+    if (!commandLine.error.isEmpty()) {
+        return finish(ExitStatus::Usage, commandLine.error);
+    }
+    panel::script::Script script;
+    if (!settings.script.isEmpty()) {
+        script = readScript(settings.script);
+        if (!script.error.isEmpty()) {
+            return finish(ExitStatus::ScriptError, script.error);
+        }
+    }
+    return run(settings, script, headless);
+}

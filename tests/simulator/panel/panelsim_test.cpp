@@ -1,0 +1,294 @@
+// Runs the program itself, with shell scripts in the application's place: how sessions end.
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QHostAddress>
+#include <QImage>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <sys/types.h>
+
+namespace {
+
+constexpr int generousMs = 60000;
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string error;
+};
+
+class Panelsim : public testing::Test {
+protected:
+    QString write(const char* name, const QByteArray& content) const {
+        const QString path = m_directory.filePath(QString::fromLatin1(name));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return path;
+    }
+
+    // A program in the application's place.
+    QString application(const QByteArray& commands) const {
+        const QString path = write("application", "#!/bin/sh\n" + commands + '\n');
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return path;
+    }
+
+    Outcome run(const QStringList& options) const {
+        QProcess process;
+        start(process, options);
+        return end(process);
+    }
+
+    // Plays a script, without server unless `options` say otherwise.
+    Outcome play(const QByteArray& script, const QByteArray& commands,
+                 const QStringList& options = {QStringLiteral("--no-server")}) const {
+        return run(QStringList{"--script", write("session.txt", script), "--app",
+                               application(commands), "--screenshots", path("shots")} +
+                   options);
+    }
+
+    void start(QProcess& process, const QStringList& options) const {
+        process.setWorkingDirectory(m_directory.path());
+        process.start(QStringLiteral(PANELSIM), QStringList{"--headless"} + options);
+        ASSERT_TRUE(process.waitForStarted()) << PANELSIM;
+    }
+
+    static Outcome end(QProcess& process) {
+        EXPECT_TRUE(process.waitForFinished(generousMs));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+                process.readAllStandardError().toStdString()};
+    }
+
+    QString path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir m_directory;
+};
+
+void expectContains(const std::string& text, const std::string& part) {
+    EXPECT_NE(text.find(part), std::string::npos) << text;
+}
+
+constexpr const char* sayPidAndSleep = "echo $$; exec sleep 1000";
+
+// The process id that the application has said, "application: 123".
+pid_t childOf(QProcess& panelsim) {
+    const QByteArray prefix = "application: ";
+    while (panelsim.canReadLine() || panelsim.waitForReadyRead(generousMs)) {
+        const QByteArray line = panelsim.readLine();
+        if (line.startsWith(prefix)) {
+            return line.mid(prefix.size()).trimmed().toInt();
+        }
+    }
+    ADD_FAILURE() << "the application has said nothing";
+    return 0;
+}
+
+// No process of that id, or one that has ended and only waits for somebody to ask how.
+bool isGone(pid_t process) {
+    QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(process));
+    return !commandLine.open(QIODevice::ReadOnly) || commandLine.readAll().isEmpty();
+}
+
+TEST_F(Panelsim, EndsWellWhenTheScriptDoes) {
+    const Outcome ended = play("wait time 50ms\n", "exec sleep 100");
+    EXPECT_EQ(ended.status, 0) << ended.error;
+}
+
+TEST_F(Panelsim, EndStopsTheScript) {
+    EXPECT_EQ(play("end\nwait exit 1\n", "exec sleep 100").status, 0);
+}
+
+TEST_F(Panelsim, TellsAWrongCommandLine) {
+    const Outcome ended = run({"--zoom", "9"});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_EQ(ended.error, "panelsim: --zoom takes a whole number from 1 to 4, not \"9\"\n");
+}
+
+TEST_F(Panelsim, TellsAScriptsMistakeByLine) {
+    const Outcome ended = play("\ntap here\n", "exit 0");
+    EXPECT_EQ(ended.status, 3);
+    expectContains(ended.error, "session.txt:2: X must be a whole number");
+    EXPECT_EQ(run({"--script", "nowhere"}).status, 3);
+}
+
+TEST_F(Panelsim, KeepsTheTimeLimit) {
+    const Outcome ended =
+        play("wait time 100s\n", "exec sleep 100", {"--no-server", "--time-limit", "200ms"});
+    EXPECT_EQ(ended.status, 4);
+    expectContains(ended.error, "session.txt:1: wait time 100s: the time limit is over");
+}
+
+TEST_F(Panelsim, TellsAWaitThatIsNotMet) {
+    const Outcome ended = play("wait text Nothing within 100ms\n", "exec sleep 100");
+    EXPECT_EQ(ended.status, 5);
+    expectContains(ended.error, "wait text Nothing within 100ms: not within 100 ms");
+    EXPECT_EQ(play("wait request STOP within 100ms\n", "exec sleep 100").status, 5);
+    EXPECT_EQ(play("tap 10 10 within 100ms\n", "exec sleep 100").status, 5);
+}
+
+TEST_F(Panelsim, TellsAnExpectationThatIsNotMet) {
+    const Outcome ended = play("expect requests STOP\n", "exec sleep 100");
+    EXPECT_EQ(ended.status, 5);
+    expectContains(ended.error, "expect requests STOP: the requests were none");
+    EXPECT_EQ(play("expect text Ok\n", "exec sleep 100").status, 5);
+    EXPECT_EQ(play("mark\nexpect memory-growth 100000\nexpect no-request STOP\n", "exec sleep 100")
+                  .status,
+              0);
+}
+
+TEST_F(Panelsim, WaitsForTheApplicationsStatus) {
+    EXPECT_EQ(play("wait exit 3\n", "exit 3").status, 0);
+    EXPECT_EQ(play("wait exit\n", "exit 7").status, 0);
+    EXPECT_EQ(play("wait exit signal 6\n", "kill -ABRT $$").status, 0);
+    EXPECT_EQ(play("wait time 200ms\nwait exit 3\n", "exit 3").status, 0);
+}
+
+TEST_F(Panelsim, TellsAnUnexpectedEndOfTheApplication) {
+    const Outcome ended = play("wait time 20s\n", "exit 3");
+    EXPECT_EQ(ended.status, 6);
+    expectContains(ended.error, "the application ended with exit status 3");
+    EXPECT_EQ(play("wait exit 2\n", "exit 3").status, 6);
+    EXPECT_EQ(play("wait exit 0\n", "kill -TERM $$").status, 6);
+}
+
+TEST_F(Panelsim, StartsTheApplicationAgain) {
+    const Outcome ended = play("wait exit 4\napplication start\nwait exit 5\n",
+                               "[ -e second ] && exit 5; touch second; exit 4");
+    EXPECT_EQ(ended.status, 0) << ended.error;
+}
+
+TEST_F(Panelsim, KillsTheApplication) {
+    const Outcome ended = play("application kill\nwait exit\n", "exec sleep 100");
+    EXPECT_EQ(ended.status, 5);
+    expectContains(ended.error, "the application is not running");
+}
+
+TEST_F(Panelsim, PassesTheApplicationsOutputOn) {
+    const Outcome ended = play("wait exit 0\n", "echo to out; echo to error >&2");
+    expectContains(ended.out, "application: to out\n");
+    expectContains(ended.error, "application: to error\n");
+}
+
+TEST_F(Panelsim, TellsWhenTheApplicationCannotBeStarted) {
+    const Outcome ended = run({"--no-server", "--app", "/no/such/program"});
+    EXPECT_EQ(ended.status, 12);
+    expectContains(ended.error, "cannot start /no/such/program");
+}
+
+TEST_F(Panelsim, ShowsTheApplicationItsBoard) {
+    EXPECT_EQ(
+        play("wait exit 0\n", "[ -c /dev/spidev2.0 ] && [ -e /sys/class/gpio/export ]").status, 0);
+    EXPECT_EQ(play("wait exit 0\n", "[ ! -e /dev/spidev2.0 ]",
+                   {"--no-server", "--board-fault", "no-spi-node"})
+                  .status,
+              0);
+    EXPECT_EQ(play("wait exit 0\n", "[ ! -e /sys/class/gpio/export ]",
+                   {"--no-server", "--board-fault", "no-gpio-export"})
+                  .status,
+              0);
+}
+
+TEST_F(Panelsim, StartsNoApplicationOnRequestButTellsItsEnvironment) {
+    const Outcome ended = play("wait time 10ms\n", "exit 3", {"--no-server", "--no-app"});
+    EXPECT_EQ(ended.status, 0) << ended.error;
+    expectContains(ended.out, "LD_PRELOAD=");
+    expectContains(ended.out, "/application\n");
+}
+
+TEST_F(Panelsim, TellsWhenAFileCannotBeWritten) {
+    const Outcome ended =
+        play("end\n", "exec sleep 100", {"--no-server", "--trace", "/no/such/file"});
+    EXPECT_EQ(ended.status, 8);
+    expectContains(ended.error, "cannot write the trace /no/such/file");
+    EXPECT_EQ(
+        play("screenshot a now\n", "exec sleep 100", {"--no-server", "--screenshots", "/proc/x"})
+            .status,
+        8);
+}
+
+TEST_F(Panelsim, ScreenshotsAreComparedWithStoredPictures) {
+    const QByteArray script = "screenshot dark now\n";
+    const QStringList compare{"--no-server", "--compare", path("stored")};
+    const Outcome missing = play(script, "exec sleep 100", compare);
+    EXPECT_EQ(missing.status, 7);
+    expectContains(missing.error, "there is no stored picture");
+
+    EXPECT_EQ(play(script, "exec sleep 100", compare + QStringList{"--renew"}).status, 0);
+    EXPECT_EQ(QImage(path("stored/dark.png")).size(), QSize(480, 272));
+    EXPECT_EQ(play(script, "exec sleep 100", compare).status, 0);
+
+    QImage other(480, 272, QImage::Format_RGB32);
+    other.fill(Qt::yellow);
+    other.save(path("stored/dark.png"));
+    EXPECT_EQ(play(script, "exec sleep 100", compare).status, 7);
+    EXPECT_TRUE(QFile::exists(path("shots/dark.difference.png")));
+}
+
+TEST_F(Panelsim, PrintsStatisticsOnRequest) {
+    const Outcome ended = play("report\n", "exec sleep 100", {"--no-server", "--stats"});
+    expectContains(ended.out, "spi-messages: 0\n");
+    expectContains(ended.out, "application-pid: ");
+}
+
+TEST_F(Panelsim, TellsWhenTheServersPortIsTaken) {
+    QTcpServer occupant;
+    ASSERT_TRUE(occupant.listen(QHostAddress::LocalHost, 9800));
+    const Outcome ended = play("end\n", "exec sleep 100", {});
+    EXPECT_EQ(ended.status, 9);
+    expectContains(ended.error, "9800");
+    EXPECT_EQ(play("server start\n", "exec sleep 100").status, 9);
+}
+
+TEST_F(Panelsim, AScriptSwitchesTheServer) {
+    EXPECT_EQ(
+        play("server start\nserver stop\nserver start\nwait no-connection\n", "exec sleep 100")
+            .status,
+        0);
+}
+
+TEST_F(Panelsim, WithoutScriptItEndsWithTheApplication) {
+    EXPECT_EQ(run({"--no-server", "--app", application("exit 0")}).status, 0);
+    EXPECT_EQ(run({"--no-server", "--app", application("exit 3")}).status, 6);
+}
+
+TEST_F(Panelsim, ASignalEndsItAndTheApplication) {
+    QProcess process;
+    start(process, {"--no-server", "--app", application(sayPidAndSleep)});
+    const pid_t child = childOf(process);
+    process.terminate();
+    EXPECT_EQ(end(process).status, 0);
+    EXPECT_TRUE(isGone(child));
+}
+
+TEST_F(Panelsim, ASignalDuringASessionIsAFailure) {
+    QProcess process;
+    start(process, {"--no-server", "--script", write("session.txt", "wait time 1000s\n"), "--app",
+                    application(sayPidAndSleep)});
+    childOf(process);
+    process.terminate();
+    EXPECT_EQ(end(process).status, 13);
+}
+
+TEST_F(Panelsim, TheApplicationDoesNotOutliveAKilledPanelsim) {
+    QProcess process;
+    start(process, {"--no-server", "--app", application(sayPidAndSleep)});
+    const pid_t child = childOf(process);
+    process.kill();
+    process.waitForFinished(generousMs);
+    QElapsedTimer timer;
+    timer.start();
+    while (!isGone(child) && !timer.hasExpired(generousMs)) {
+        QThread::msleep(10);
+    }
+    EXPECT_TRUE(isGone(child));
+}
+
+} // namespace

@@ -1,0 +1,86 @@
+#include "panelview.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace panel {
+namespace {
+
+controller::PanelState shining(int backlight = 128) {
+    return {true, true, backlight, 75};
+}
+
+QImage pictureWith(QPoint pixel, QRgb colour) {
+    QImage image(480, 272, QImage::Format_RGB32);
+    image.fill(0xFF204060);
+    image.setPixel(pixel, colour);
+    return image;
+}
+
+class PanelViewTest : public testing::Test {
+protected:
+    QRgb at(int x, int y) { return m_view.grab().toImage().pixel(x, y); }
+
+    PanelView m_view;
+};
+
+TEST_F(PanelViewTest, ScalesInWholePixelsWithoutSmoothing) {
+    m_view.setZoom(3);
+    m_view.show(pictureWith({10, 20}, 0xFFFF8000), shining());
+    EXPECT_EQ(m_view.size(), QSize(1440, 816));
+    EXPECT_EQ(at(30, 60), 0xFFFF8000);
+    EXPECT_EQ(at(32, 62), 0xFFFF8000);
+    EXPECT_EQ(at(29, 60), 0xFF204060);
+    EXPECT_EQ(at(33, 62), 0xFF204060);
+}
+
+TEST_F(PanelViewTest, DimsWithTheBacklight) {
+    m_view.show(pictureWith({0, 0}, 0xFFFF8000), shining(64));
+    EXPECT_NEAR(qRed(at(0, 0)), 0x80, 2);
+    EXPECT_NEAR(qGreen(at(0, 0)), 0x40, 2);
+    m_view.show(pictureWith({0, 0}, 0xFFFF8000), shining(0));
+    EXPECT_EQ(at(0, 0), 0xFF000000);
+}
+
+TEST_F(PanelViewTest, IsBlackWhileTheDisplayIsOff) {
+    m_view.show(pictureWith({0, 0}, 0xFFFF8000), {true, false, 128, 75});
+    EXPECT_EQ(at(0, 0), 0xFF000000);
+    m_view.show(pictureWith({0, 0}, 0xFFFF8000), {false, true, 128, 0});
+    EXPECT_EQ(at(0, 0), 0xFF000000);
+}
+
+TEST_F(PanelViewTest, TheMouseIsTheFinger) {
+    m_view.setZoom(2);
+    const QSignalSpy touched(&m_view, &PanelView::touched);
+    const QSignalSpy released(&m_view, &PanelView::released);
+
+    QTest::mousePress(&m_view, Qt::LeftButton, {}, {21, 41});
+    ASSERT_EQ(touched.size(), 1);
+    EXPECT_EQ(touched[0][0].toPoint(), QPoint(10, 20));
+    QMouseEvent drag(QEvent::MouseMove, {5000, -7}, Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(&m_view, &drag);
+    ASSERT_EQ(touched.size(), 2);
+    EXPECT_EQ(touched[1][0].toPoint(), QPoint(479, 0)) << "the finger stays on the panel";
+    EXPECT_EQ(released.size(), 0);
+    QTest::mouseRelease(&m_view, Qt::LeftButton, {}, {21, 41});
+    EXPECT_EQ(released.size(), 1);
+}
+
+TEST_F(PanelViewTest, OnlyTheLeftButtonTouches) {
+    const QSignalSpy touched(&m_view, &PanelView::touched);
+    QTest::mouseClick(&m_view, Qt::RightButton, {}, {5, 5});
+    EXPECT_EQ(touched.size(), 0);
+}
+
+} // namespace
+} // namespace panel
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "minimal");
+    QApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
