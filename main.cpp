@@ -23,14 +23,6 @@ namespace {
 
 constexpr uint32_t waitScreenMs = 1000;
 
-// Does not return, and so tears nothing down: the picture stays on the display.
-[[noreturn]] void giveUp(Gpu_Hal_Context_t* host) {
-    qDebug() << "Can't connect to server";
-    ErrorWidget error(host);
-    error.exec();
-    std::exit(EXIT_FAILURE);
-}
-
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -52,7 +44,10 @@ int main(int argc, char* argv[]) {
 
     DataReader client;
     if (!connectToServer(client)) {
-        giveUp(&host);
+        qDebug() << "Can't connect to server";
+        ErrorWidget error(&host);
+        error.exec();
+        std::exit(EXIT_FAILURE); // tears nothing down: the picture stays on the display
     }
     client.updateParams();
 

@@ -22,7 +22,6 @@ int frontpanelMain(int argc, char* argv[]);
 namespace {
 
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ExitedWithCode;
 using testing::HasSubstr;
 using testing::Not;

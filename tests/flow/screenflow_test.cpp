@@ -20,9 +20,7 @@ namespace {
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
-using testing::StartsWith;
 
 constexpr int patienceMs = 20000;
 

@@ -29,7 +29,7 @@ protected:
 
     // What has reached the coprocessor since the last call.
     static std::string drawn() {
-        const std::string listing = listCommands(board.commandWords());
+        std::string listing = listCommands(board.commandWords());
         board.clearRecord();
         return listing;
     }

@@ -103,7 +103,7 @@ TEST_F(FTWidgetTest, ExecShowsTheStaticPictureThenTheFirstFrame) {
 
 TEST_F(FTWidgetTest, ExecTakesTheSizeOfTheStaticListOnceTheCoprocessorHasWrittenIt) {
     screen.exec();
-    const std::vector<Transaction> all = board.transactions();
+    const std::vector<Transaction>& all = board.transactions();
     std::size_t sizeRead = 0;
     for (std::size_t i = 0; i < all.size(); ++i) {
         if (all[i] == Transaction::read16(regCmdDl, 456)) {

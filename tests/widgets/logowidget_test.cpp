@@ -12,9 +12,7 @@
 
 namespace {
 
-using testing::AllOf;
 using testing::Each;
-using testing::ElementsAre;
 using testing::SizeIs;
 
 // One frame: what shows of the image, the lines that scale it, and the line it starts at.

@@ -19,7 +19,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 const std::string staticPicture = R"(GRADIENT 21 13 CACACA 455 268 F3F3F3
 COLOR_RGB 19190C
@@ -99,7 +98,7 @@ protected:
             touch(tags.front());
             tags.pop_front();
         });
-        const std::string redrawn = passTouching(0);
+        std::string redrawn = passTouching(0);
         board.onSleep(nullptr);
         return redrawn;
     }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -138,7 +139,8 @@ TEST_F(PNRWidgetTest, ExecLoadsTheIconsAheadOfThePicture) {
     const std::vector<std::uint8_t>& bytes = board.commandBytes();
     const std::vector<std::uint32_t> words = board.commandWords();
     const auto streamAt = [&](std::size_t word, const auto& stream) {
-        return std::equal(stream.begin(), stream.end(), bytes.begin() + 4 * static_cast<int>(word));
+        return std::equal(stream.begin(), stream.end(),
+                          bytes.begin() + static_cast<std::ptrdiff_t>(4 * word));
     };
     EXPECT_EQ(words.at(0), 0xFFFFFF22U);
     EXPECT_EQ(words.at(1), 0U);
