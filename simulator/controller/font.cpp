@@ -45,14 +45,14 @@ std::uint32_t FontTable::romBlock(std::uint32_t font) const {
 void FontTable::reset() {
     m_entries.fill({});
     for (std::uint32_t font = firstRomFont; font <= lastRomFont(); ++font) {
-        m_entries[font] = {romBlock(font), 0};
+        m_entries[font] = {true, romBlock(font), 0};
     }
     m_scratchHandle = defaultScratchHandle;
 }
 
 void FontTable::setFont(std::uint32_t font, std::uint32_t block, std::uint32_t firstCharacter) {
     if (font < handles) {
-        m_entries[font] = {block, firstCharacter};
+        m_entries[font] = {true, block, firstCharacter};
     }
 }
 
@@ -60,12 +60,12 @@ bool FontTable::setRomFont(std::uint32_t font, std::uint32_t romFont) {
     if (font >= handles || romFont < firstRomFont || romFont > lastRomFont()) {
         return false;
     }
-    m_entries[font] = {romBlock(romFont), 0};
+    m_entries[font] = {true, romBlock(romFont), 0};
     return true;
 }
 
 std::optional<Font> FontTable::find(std::uint32_t number) const {
-    if (number >= m_entries.size() || m_entries[number].block == 0) {
+    if (number >= m_entries.size() || !m_entries[number].isSet) {
         return std::nullopt;
     }
     const Entry& entry = m_entries[number];

@@ -49,7 +49,8 @@ public:
 
 private:
     struct Entry {
-        std::uint32_t block = 0; // address of the metrics; 0: no font
+        bool isSet = false;
+        std::uint32_t block = 0; // address of the metrics
         std::uint32_t firstCharacter = 0;
     };
     std::uint32_t romBlock(std::uint32_t font) const;

@@ -21,10 +21,10 @@ struct Conversion {
 };
 
 std::string digits(std::uint32_t number, unsigned base, bool upper) {
+    const std::string symbols = upper ? "0123456789ABCDEF" : "0123456789abcdef";
     std::string text;
     do {
-        const char digit = (upper ? "0123456789ABCDEF" : "0123456789abcdef")[number % base];
-        text.insert(text.begin(), digit);
+        text.insert(text.begin(), symbols[number % base]);
         number /= base;
     } while (number != 0);
     return text;

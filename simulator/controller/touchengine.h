@@ -29,7 +29,8 @@ public:
     // belongs into REG_TOUCH_TAG, if there is a touch.
     std::optional<Point> sample(Registers& registers);
 
-    // Raw coordinates of a touch in the middle of a pixel.
+    // Raw coordinates of a touch in the middle of a pixel. They are not negative, which puts the
+    // panel's top edge, up to seven rows at its right end, out of reach.
     static Point rawPosition(Point pixel);
     // Screen coordinates of raw ones, by the transform in the registers.
     static Point screenPosition(const Registers& registers, Point raw);

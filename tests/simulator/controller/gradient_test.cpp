@@ -1,0 +1,147 @@
+#include "host.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using namespace controllertest;
+using V = std::vector<std::uint32_t>;
+
+struct Line {
+    int x0, y0, x1, y1;
+};
+
+// What a gradient should look like, in real numbers.
+double ideal(const Line& line, std::uint32_t from, std::uint32_t to, int x, int y) {
+    const double vx = line.x1 - line.x0;
+    const double vy = line.y1 - line.y0;
+    const double t = ((x - line.x0) * vx + (y - line.y0) * vy) / (vx * vx + vy * vy);
+    const double part = std::clamp(t, 0.0, 1.0);
+    return from + (static_cast<double>(to) - from) * part;
+}
+
+V command(const Line& line, std::uint32_t from, std::uint32_t to) {
+    return {cmd::gradient, pair(line.x0, line.y0), from, pair(line.x1, line.y1), to};
+}
+
+class Gradient : public testing::TestWithParam<Generation> {
+protected:
+    const controller::Picture& show(Host& host, const V& commands) {
+        host.send(V{cmd::dlStart, 0x26000007} + commands + V{0, cmd::swap});
+        host.waitFrames(2);
+        return host.chip.frame().picture;
+    }
+    // Largest deviation of the blue channel from the ideal, over the whole panel.
+    static double worst(const controller::Picture& picture, const Line& line, std::uint32_t from,
+                        std::uint32_t to) {
+        double largest = 0;
+        for (int y = 0; y < picture.height; ++y) {
+            for (int x = 0; x < picture.width; ++x) {
+                const double blue = picture.at(x, y) & 0xFF;
+                largest = std::max(largest, std::abs(blue - ideal(line, from, to, x, y)));
+            }
+        }
+        return largest;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Generations, Gradient, testing::Values(Generation::E1, Generation::E3));
+
+TEST_P(Gradient, TheScreensBackgroundIsRightEverywhere) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    const Line line{21, 13, 455, 268};
+    EXPECT_LE(worst(show(host, command(line, 0xCACACA, 0xF3F3F3)), line, 0xCA, 0xF3), 1.0);
+    EXPECT_TRUE(host.seen.complaints.empty());
+}
+
+TEST_P(Gradient, LongGradientsInAnyDirectionAreRightAndConstantBeyondTheirEnds) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    for (const Line& line : {Line{21, 13, 455, 268}, Line{455, 268, 21, 13}, Line{50, 200, 400, 30},
+                             Line{400, 30, 50, 200}, Line{100, 0, 380, 0}, Line{380, 0, 100, 0},
+                             Line{0, 40, 0, 230}, Line{0, 230, 0, 40}, Line{-200, -100, 700, 400},
+                             Line{300, 100, 150, 101}, Line{200, 250, 210, 20}}) {
+        EXPECT_LE(worst(show(host, command(line, 0, 0xFF)), line, 0, 0xFF), 2.6)
+            << line.x0 << ',' << line.y0 << " to " << line.x1 << ',' << line.y1;
+    }
+}
+
+TEST_P(Gradient, ShortGradientsAreStepsInTheRightPlace) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    for (const Line& line :
+         {Line{240, 100, 241, 100}, Line{241, 100, 240, 100}, Line{400, 200, 400, 201},
+          Line{100, 50, 103, 48}, Line{200, 100, 192, 107}}) {
+        const controller::Picture& picture = show(host, command(line, 0, 0xFF));
+        for (int y = 0; y < 272; ++y) {
+            for (int x = 0; x < 480; ++x) {
+                const double vx = line.x1 - line.x0;
+                const double vy = line.y1 - line.y0;
+                const double along = ((x - line.x0) * vx + (y - line.y0) * vy) / std::hypot(vx, vy);
+                const std::uint32_t blue = picture.at(x, y) & 0xFF;
+                if (along < -2) {
+                    ASSERT_EQ(blue, 0U) << x << ',' << y;
+                } else if (along > std::hypot(vx, vy) + 2) {
+                    ASSERT_EQ(blue, 255U) << x << ',' << y;
+                }
+            }
+        }
+    }
+}
+
+TEST_P(Gradient, FarAwayVectorsLeaveOneColour) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    const controller::Picture& before =
+        show(host, command({30000, 30000, 30001, 30000}, 0x112233, 0x445566));
+    EXPECT_EQ(before.at(0, 0), 0xFF112233);
+    EXPECT_EQ(before.at(479, 271), 0xFF112233);
+    const controller::Picture& after =
+        show(host, command({-30000, 0, -29990, 3}, 0x112233, 0x445566));
+    EXPECT_EQ(after.at(0, 0), 0xFF445566);
+    EXPECT_EQ(after.at(479, 271), 0xFF445566);
+    const controller::Picture& none = show(host, command({7, 7, 7, 7}, 0x112233, 0x445566));
+    EXPECT_EQ(none.at(3, 3), 0xFF112233);
+}
+
+TEST_P(Gradient, StaysInsideTheScissorAndKeepsTheCallersState) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    const bool e1 = GetParam() == Generation::E1;
+    const std::uint32_t scissorXy =
+        e1 ? 0x1B000000U | 100U << 9U | 50U : 0x1B000000U | 100U << 11U | 50U;
+    const std::uint32_t scissorSize =
+        e1 ? 0x1C000000U | 200U << 10U | 100U : 0x1C000000U | 200U << 12U | 100U;
+    // Alpha 0 and a tag of its own: neither hinders the gradient.
+    const controller::Picture& picture =
+        show(host, V{scissorXy, scissorSize, 0x10000000, 0x03000005} +
+                       command({100, 50, 300, 150}, 0x404040, 0x808080));
+    EXPECT_EQ(picture.at(99, 60), 0xFF000000);
+    EXPECT_EQ(picture.at(100, 50), 0xFF404040);
+    EXPECT_NEAR(picture.at(199, 100) & 0xFF, 0x60, 1);
+    EXPECT_EQ(picture.at(300, 100), 0xFF000000);
+    EXPECT_EQ(picture.at(150, 150), 0xFF000000);
+    EXPECT_EQ(host.chip.frame().tags[60 * 480 + 150], 5);
+}
+
+TEST_P(Gradient, IsAnOrdinaryPieceOfListThatCanBeCopiedAndAppended) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    const controller::Picture first = show(host, command({21, 13, 455, 268}, 0xCACACA, 0xF3F3F3));
+    host.send(V{cmd::dlStart, 0x26000007} + command({21, 13, 455, 268}, 0xCACACA, 0xF3F3F3));
+    const std::uint32_t size = host.read16(host.at.cmdDl());
+    host.send({cmd::memCpy, 100000, host.at.ramDl(), size, 0, cmd::swap});
+    host.waitFrames(2);
+    host.send({cmd::dlStart, 0x02FF0000, 0x26000007, 0, cmd::swap});
+    host.waitFrames(2);
+    EXPECT_EQ(host.chip.frame().picture.at(1, 1), 0xFFFF0000);
+    host.send({cmd::dlStart, cmd::append, 100000, size, 0, cmd::swap});
+    host.waitFrames(2);
+    EXPECT_TRUE(host.chip.frame().picture == first);
+}
+
+} // namespace
