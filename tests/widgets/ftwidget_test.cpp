@@ -216,7 +216,10 @@ TEST_F(FTWidgetTest, TheHeldTagIsStillSetWhileItsReleaseIsReported) {
 
 TEST_F(FTWidgetTest, AScreenThatAHandlerTerminatesIsNotRedrawnAndEndsAtItsNextPass) {
     showWithTouches();
-    screen.onRelease = [&] { screen.terminate(); };
+    screen.onRelease = [&] {
+        screen.update();
+        screen.terminate();
+    };
     passTouching(7);
     screen.takeCalls();
     passTouching(0);
