@@ -65,7 +65,7 @@ void BitmapMatrix::rotateAround(std::int32_t x, std::int32_t y, std::uint32_t an
 Affine BitmapMatrix::inverse() const {
     const Affine& m = m_values;
     const std::int64_t determinant = // 16 fraction bits
-        std::int64_t{dot(m.a, m.e, saturated(-std::int64_t{m.b}), m.d)};
+        dot(m.a, m.e, saturated(-std::int64_t{m.b}), m.d);
     if (determinant == 0) {
         return {256, 0, 0, 0, 256, 0};
     }

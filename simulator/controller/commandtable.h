@@ -115,8 +115,8 @@ enum class Trailer : std::uint8_t {
 };
 
 struct CommandInfo {
+    const char* name; // without prefix: "TEXT"
     Command command;
-    const char* name;          // without prefix: "TEXT"
     GenerationSet generations; // where it exists
     std::uint8_t words;        // fixed argument words, result placeholders included
     Trailer trailer = Trailer::None;

@@ -109,7 +109,7 @@ private:
     Outcome call();
     Outcome startData();
     void commandDone();
-    void fail(const Fault& fault);
+    void fail(const Fault& reason);
     void resetState();
     std::uint32_t readOffset() const;
 

@@ -43,7 +43,7 @@ public:
     void setScratchHandle(std::uint32_t handle) { m_scratchHandle = handle; }
     std::uint32_t scratchHandle() const { return m_scratchHandle; }
 
-    std::optional<Font> find(std::uint32_t font) const;
+    std::optional<Font> find(std::uint32_t number) const;
     // Words that make bitmap handle `handle` the font's.
     std::vector<std::uint32_t> handleSetup(std::uint32_t font, std::uint32_t handle) const;
 

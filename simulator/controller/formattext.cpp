@@ -45,7 +45,8 @@ private:
     int readNumber();
     Conversion readConversion();
     std::string converted(const Conversion& conversion);
-    static std::string number(const Conversion& conversion, std::string prefix, std::string text);
+    static std::string number(const Conversion& conversion, const std::string& prefix,
+                              std::string text);
 
     const std::string& m_format;
     const std::vector<std::uint32_t>& m_arguments;
@@ -103,7 +104,8 @@ Conversion Formatter::readConversion() {
     return conversion;
 }
 
-std::string Formatter::number(const Conversion& conversion, std::string prefix, std::string text) {
+std::string Formatter::number(const Conversion& conversion, const std::string& prefix,
+                              std::string text) {
     std::size_t wanted =
         conversion.precision > 0 ? static_cast<std::size_t>(conversion.precision) : 0;
     if (conversion.zeros && !conversion.left && conversion.precision < 0) {

@@ -122,13 +122,13 @@ constexpr std::size_t registerCount = static_cast<std::size_t>(Register::FlashSt
 enum class Access : std::uint8_t { ReadWrite, ReadOnly };
 
 struct RegisterInfo {
+    const char* name;        // "REG_ID"
+    std::uint32_t addressE1; // on E1
+    std::uint32_t addressE2; // on E2 and E3
+    std::uint32_t mask;      // the bits that exist
+    std::uint32_t reset;     // value after reset
     Register id;
-    const char* name;          // "REG_ID"
-    std::uint32_t addressE1;   // on E1
-    std::uint32_t addressE2;   // on E2 and E3
     GenerationSet generations; // where it exists
-    std::uint32_t mask;        // the bits that exist
-    std::uint32_t reset;       // value after reset
     Access access;
 
     std::uint32_t address(Generation generation) const {

@@ -291,8 +291,8 @@ void WidgetWriter::clock(int x, int y, int radius, unsigned options, unsigned ho
         face.line(cx, cy, tip.x, tip.y, std::max(halfWidth, subpixels / 2));
     };
     if (!(options & option::noHands)) {
-        hand(r / 2, angle(12 * 60 * minute), r / 24);
-        hand(r * 3 / 4, angle(60 * minute), r / 32);
+        hand(r / 2, angle(minute * 60 * 12), r / 24);
+        hand(r * 3 / 4, angle(minute * 60), r / 32);
     }
     if (!(options & option::noSeconds)) {
         face.color(m_colors.foreground);

@@ -1,0 +1,103 @@
+#include "display.h"
+#include "host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace controllertest;
+using testing::IsEmpty;
+using V = std::vector<std::uint32_t>;
+
+std::uint32_t point(int x, int y, int handle = 0) {
+    return 0x80000000U | static_cast<std::uint32_t>(x) << 21U |
+           static_cast<std::uint32_t>(y) << 12U | static_cast<std::uint32_t>(handle) << 7U;
+}
+
+class DisplayTest : public testing::Test {
+protected:
+    DisplayTest() { host.bootWithPanel(); }
+    void show(const V& commands) {
+        host.send(V{cmd::dlStart} + commands + V{0, cmd::swap});
+        host.waitFrames(2);
+    }
+    Host host{Generation::E3};
+};
+
+TEST_F(DisplayTest, ThePictureIsNotDrawnAgainWhileNothingChanges) {
+    show({0x26000007});
+    const std::uint32_t* pixels = host.chip.frame().picture.pixels.data();
+    const_cast<std::uint32_t*>(pixels)[0] = 0x12345678; // a mark that a new drawing would wipe out
+    host.waitFrames(5);
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0x12345678U);
+    show({0x26000007}); // the same list again
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0x12345678U);
+    host.write8(0, 1); // memory that a picture may be made from
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0xFF000000U);
+}
+
+TEST_F(DisplayTest, AChangedBitmapShowsInTheSameList) {
+    show({0x26000007, 0x01000000, 0x07000000U | 3U << 19U | 1U << 9U | 1U,
+          0x08000000U | 1U << 9U | 1U, 0x1F000001, point(10, 10)});
+    EXPECT_EQ(host.chip.frame().picture.at(10, 10), 0xFF000000);
+    host.write8(0, 0xFF);
+    EXPECT_EQ(host.chip.frame().picture.at(10, 10), 0xFFFFFFFF);
+}
+
+TEST_F(DisplayTest, AChangedMacroShowsInTheSameList) {
+    host.write32(host.at.macro0(), 0x02FF0000);
+    show({0x25000000, 0x26000007});
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0xFFFF0000);
+    host.write32(host.at.macro0(), 0x0200FF00);
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0xFF00FF00);
+}
+
+TEST_F(DisplayTest, BitmapHandlesOutliveAListNobodyLookedAt) {
+    host.write8(0, 0xFF);
+    show({0x26000007, 0x05000003, 0x01000000, 0x07000000U | 3U << 19U | 1U << 9U | 1U,
+          0x08000000U | 1U << 9U | 1U});
+    show({0x26000007, 0x1F000001, point(10, 10, 3)});
+    EXPECT_EQ(host.chip.frame().picture.at(10, 10), 0xFFFFFFFF);
+}
+
+TEST_F(DisplayTest, ABadWordIsComplainedAboutOnceThoughNobodyLooks) {
+    show({0x3F000000, 0x26000007});
+    host.waitFrames(5);
+    EXPECT_EQ(host.seen.complaints.size(), 1U);
+    show({0x3F000000, 0x26000007, 0x2D000000});
+    EXPECT_EQ(host.seen.complaints.size(), 1U) << "the same as before";
+}
+
+TEST_F(DisplayTest, ThePictureHasThePanelsSize) {
+    host.write16(0x302034, 320);
+    host.write16(0x302048, 240);
+    EXPECT_EQ(host.chip.frame().picture.width, 320);
+    EXPECT_EQ(host.chip.frame().picture.height, 240);
+}
+
+TEST_F(DisplayTest, WithoutPowerThePictureIsBlack) {
+    show({0x02FF0000, 0x26000007});
+    host.chip.setPowerDown(false, host.now);
+    EXPECT_EQ(host.chip.frame().picture.at(100, 100), 0xFF000000);
+    EXPECT_EQ(host.chip.frame().picture.width, 480);
+}
+
+TEST_F(DisplayTest, TheTagAtAPixelCanBeAskedFor) {
+    show({0x12000009, 0x26000007});
+    host.write16(0x302074, 100);
+    host.write16(0x302078, 50);
+    EXPECT_EQ(host.read8(0x30207C), 9);
+    host.write16(0x302074, 2000);
+    EXPECT_EQ(host.read8(0x30207C), 0);
+}
+
+TEST_F(DisplayTest, TextOnThePanelIsGroupedIntoStrings) {
+    show(V{0x26000007, cmd::text, pair(300, 100), pair(27, 0)} + words("right of it") +
+         V{cmd::text, pair(10, 100), pair(27, 0)} + words("two words") +
+         V{cmd::text, pair(10, 20), pair(30, 0)} + words("above") +
+         V{cmd::text, pair(10, 20), pair(30, 0)} + words("above"));
+    EXPECT_THAT(host.chip.textOnPanel(), testing::ElementsAre("above", "two words", "right of it"));
+}
+
+} // namespace
