@@ -218,6 +218,10 @@ void CommandDecoder::endPiece(QStringList& done) {
     if (m_command == nullptr) {
         return;
     }
+    if (m_state == State::Arguments) {
+        done += commandText() + QStringLiteral(" ...");
+        return;
+    }
     done += commandText() + trailerText() + QStringLiteral(" ...");
     if (m_command->trailer == Trailer::Stream && !m_inflater) {
         forget();

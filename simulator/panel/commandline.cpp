@@ -200,10 +200,13 @@ QString helpText() {
            QStringLiteral(
                "\n"
                "  TEXT with blanks stands in quotation marks; a '*' in it stands for anything.\n"
-               "  A '#' begins a comment. Each wait, touch and screenshot may end with\n"
-               "  \"within TIME\"; without it, it may take 30s. Lines that look at frames (wait\n"
-               "  frames, swaps, text, quiet; expect text; screenshot) and follow each other miss\n"
-               "  no frame between them. After the last line the application is killed.\n"
+               "  A '#' begins a comment. Each wait, touch and screenshot may end with \"within "
+               "TIME\";\n"
+               "  without it, it may take 30s. Lines that look at frames (wait frames, swaps, "
+               "reads,\n"
+               "  text, quiet; expect text; screenshot) and follow each other miss no frame "
+               "between\n"
+               "  them. After the last line the application is killed.\n"
                "\nExit status:\n%1")
                .arg(exitStatusHelp());
 }

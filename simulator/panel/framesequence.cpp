@@ -52,6 +52,7 @@ void FrameSequence::start(std::vector<script::FrameStep> steps,
 void FrameSequence::enterStep(const controller::Controller& controller) {
     m_framesSinceEntry = 0;
     m_swapsAtEntry = controller.listsSwapped();
+    m_readsAtEntry = controller.touchTagReads();
 }
 
 void FrameSequence::frameScanned(const controller::Controller& controller) {
@@ -83,6 +84,9 @@ bool FrameSequence::stepEnds(const script::FrameStep& step,
     }
     if (const auto* swaps = std::get_if<script::WaitSwaps>(&step)) {
         return controller.listsSwapped() - m_swapsAtEntry >= swaps->count;
+    }
+    if (const auto* reads = std::get_if<script::WaitReads>(&step)) {
+        return controller.touchTagReads() - m_readsAtEntry >= reads->count;
     }
     if (const auto* text = std::get_if<script::WaitText>(&step)) {
         return showsText(controller, text->pattern) == text->present;

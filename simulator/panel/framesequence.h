@@ -41,6 +41,7 @@ private:
     std::size_t m_current = 0;
     std::uint32_t m_framesSinceEntry = 0;
     std::uint32_t m_swapsAtEntry = 0;
+    std::uint32_t m_readsAtEntry = 0;
 };
 
 // Whether one of the strings on the panel, blanks at its ends left out, is `pattern`.

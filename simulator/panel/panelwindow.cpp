@@ -15,6 +15,8 @@ namespace {
 
 constexpr int refreshMs = 16;
 constexpr int messageMs = 5000;
+constexpr int bezelWidth = 12;
+constexpr QRgb bezelColour = 0xFF202428;
 
 QString keyLine() {
     QStringList entries;
@@ -27,6 +29,17 @@ QString keyLine() {
     return entries.join(QStringLiteral(" &nbsp; "));
 }
 
+// Around the panel, so that its edge shows.
+QWidget* inBezel(QWidget* panel) {
+    auto* bezel = new QWidget;
+    bezel->setAutoFillBackground(true);
+    bezel->setPalette(QPalette(QColor(bezelColour)));
+    auto* layout = new QVBoxLayout(bezel);
+    layout->setContentsMargins(bezelWidth, bezelWidth, bezelWidth, bezelWidth);
+    layout->addWidget(panel);
+    return bezel;
+}
+
 } // namespace
 
 PanelWindow::PanelWindow(Rig& rig, int zoom)
@@ -37,7 +50,7 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     keys->setWordWrap(true);
     auto* centre = new QWidget;
     auto* layout = new QVBoxLayout(centre);
-    layout->addWidget(m_view);
+    layout->addWidget(inBezel(m_view));
     layout->addWidget(keys);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     setCentralWidget(centre);

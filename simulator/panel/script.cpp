@@ -115,6 +115,9 @@ const Command commands[] = {
      "until N more frames have been scanned"},
     {"wait swaps", [](ScriptLine& l) -> Action { return FrameStep{WaitSwaps{count(l)}}; }, "N",
      "until N more display lists have been shown"},
+    {"wait reads", [](ScriptLine& l) -> Action { return FrameStep{WaitReads{count(l)}}; }, "N",
+     "until the application has read the touched tag N more\n"
+     "times; with 2 it has drawn all it had to"},
     {"wait text",
      [](ScriptLine& l) -> Action {
          return FrameStep{WaitText{pattern(l), true}};

@@ -30,6 +30,9 @@ struct WaitFrames { // until so many more frames have been scanned
 struct WaitSwaps { // until so many more display lists have been shown
     std::uint32_t count = 0;
 };
+struct WaitReads { // until the application has read the touch tag so many more times
+    std::uint32_t count = 0;
+};
 struct WaitText { // until a frame shows (or does not show) a text; a pattern
     QString pattern;
     bool present = true;
@@ -43,7 +46,8 @@ struct Screenshot {
     QString name;     // of the file, without ".png"
     bool now = false; // of the frame at hand, otherwise of the first quiet one
 };
-using FrameStep = std::variant<WaitFrames, WaitSwaps, WaitText, WaitQuiet, ExpectText, Screenshot>;
+using FrameStep =
+    std::variant<WaitFrames, WaitSwaps, WaitReads, WaitText, WaitQuiet, ExpectText, Screenshot>;
 
 // --- Everything else.
 

@@ -43,6 +43,7 @@ TEST(Script, WaitsForTimeFramesAndSwaps) {
     EXPECT_EQ(only<WaitTime>("wait time 20ms").duration.count(), 20);
     EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 3").count, 3U);
     EXPECT_EQ(onlyFrameStep<WaitSwaps>("wait swaps 12").count, 12U);
+    EXPECT_EQ(onlyFrameStep<WaitReads>("wait reads 2").count, 2U);
     onlyFrameStep<WaitQuiet>("wait quiet");
 }
 
