@@ -79,8 +79,9 @@ private:
         const int pixelsPerByte = 8 / m_font.bitsPerPixel;
         const int shift = 8 - m_font.bitsPerPixel * (1 + x % pixelsPerByte);
         const int value = m_font.bitsPerPixel == 1 ? ink & 1 : ink; // full ink is all ones
-        std::uint8_t& byte = m_cell[static_cast<std::size_t>(y) * m_stride +
-                                    static_cast<std::size_t>(x / pixelsPerByte)];
+        const auto column =
+            static_cast<std::size_t>(x) * static_cast<std::size_t>(m_font.bitsPerPixel) / 8;
+        std::uint8_t& byte = m_cell[static_cast<std::size_t>(y) * m_stride + column];
         byte = static_cast<std::uint8_t>(byte | value << shift);
     }
 

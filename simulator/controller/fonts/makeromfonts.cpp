@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -58,6 +59,12 @@ struct Font {
     Recipe recipe;
     std::vector<Glyph> glyphs; // from firstCharacter on
 };
+
+// Index of (x, y) in rows of `width`.
+std::size_t indexOf(int x, int y, int width) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+           static_cast<std::size_t>(x);
+}
 
 [[noreturn]] void fail(const std::string& text) {
     std::fprintf(stderr, "makeromfonts: %s\n", text.c_str());
@@ -145,7 +152,7 @@ struct Bitmap {
 };
 
 int inkAt(const FT_Bitmap& bitmap, int x, int y) {
-    const unsigned char* row = bitmap.buffer + y * bitmap.pitch;
+    const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
     if (bitmap.pixel_mode == FT_PIXEL_MODE_MONO) {
         return (row[x / 8] >> (7 - x % 8) & 1) * black;
     }
@@ -182,7 +189,7 @@ bool place(const Bitmap& bitmap, const Recipe& recipe, int baseline, Glyph& glyp
     const int left = std::clamp(bitmap.left, 0, std::max(0, recipe.widest - bitmap.width));
     for (int y = 0; y < bitmap.height; ++y) {
         for (int x = 0; x < bitmap.width; ++x) {
-            const int ink = bitmap.ink[static_cast<std::size_t>(y * bitmap.width + x)];
+            const int ink = bitmap.ink[indexOf(x, y, bitmap.width)];
             const int column = left + x;
             const int line = baseline - bitmap.top + y;
             if (ink == 0) {
@@ -191,7 +198,7 @@ bool place(const Bitmap& bitmap, const Recipe& recipe, int baseline, Glyph& glyp
             if (line < 0 || line >= recipe.height || column >= recipe.widest) {
                 return false;
             }
-            glyph.ink[static_cast<std::size_t>(line * recipe.widest + column)] = ink;
+            glyph.ink[indexOf(column, line, recipe.widest)] = ink;
         }
     }
     return true;
@@ -200,7 +207,7 @@ bool place(const Bitmap& bitmap, const Recipe& recipe, int baseline, Glyph& glyp
 bool makeGlyph(FT_Face face, const Recipe& recipe, int baseline, int character, Glyph& glyph) {
     const int natural = naturalAdvance(face, character);
     glyph.advance = recipe.face == Face::Monospaced ? recipe.widest : roundedPixels(natural);
-    glyph.ink.assign(static_cast<std::size_t>(recipe.widest * recipe.height), 0);
+    glyph.ink.assign(indexOf(0, recipe.height, recipe.widest), 0);
     load(face, character, hinting(recipe));
     if (recipe.depth == Depth::L4) {
         // Rounding the advance must not move the glyph off the middle of its room.
@@ -301,8 +308,7 @@ void writeSheet(const Font& font) {
         for (int x = 0; x < perRow * cellWidth * zoom; ++x) {
             const int column = x / zoom;
             const int line = y / zoom;
-            const auto index =
-                static_cast<std::size_t>(line / cellHeight * perRow + column / cellWidth);
+            const auto index = indexOf(column / cellWidth, line / cellHeight, perRow);
             const int u = column % cellWidth;
             const int v = line % cellHeight;
             int grey = 255;
@@ -310,7 +316,7 @@ void writeSheet(const Font& font) {
                 grey = 200;
             } else if (index < font.glyphs.size()) {
                 const Glyph& glyph = font.glyphs[index];
-                grey = 255 - 15 * glyph.ink[static_cast<std::size_t>(v * font.recipe.widest + u)];
+                grey = 255 - 15 * glyph.ink[indexOf(u, v, font.recipe.widest)];
                 grey = u >= glyph.advance ? grey * 7 / 8 : grey;
             }
             std::putchar(grey);
