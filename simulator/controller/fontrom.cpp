@@ -95,7 +95,8 @@ Rom::Rom(Generation generation)
     : m_place(memoryLayout(generation).rom), m_end(memoryLayout(generation).fontTable),
       m_free(m_place.base), m_bytes(m_place.size) {
     const int last = generation == Generation::E1 ? lastRomFontE1 : lastRomFont;
-    const auto fonts = static_cast<std::size_t>(last - firstRomFont + 1);
+    const int fontCount = last - firstRomFont + 1;
+    const auto fonts = static_cast<std::size_t>(fontCount);
     const std::uint32_t table = allocate(fonts * fontBlockSize);
     for (std::size_t i = 0; i < fonts; ++i) {
         m_fonts.push_back(makeFont(packedFonts[i]));
