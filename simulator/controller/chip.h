@@ -20,9 +20,20 @@ namespace controller {
 
 // The chip: its parts, wired to each other, and the order in which time passes through them.
 //
-// At the end of each frame: touch coordinates and tag are noted, the frame counts as scanned, a
-// swap that was asked for is made, animations put their next list on the panel, and the
-// coprocessor goes on with what waited for any of this.
+// Wires in: the four of SPI (one byte at a time, mode 0, one data line each way), the power-down
+// pin, the touch panel. Wires out: SPI data, and what the panel shows. The interrupt line is not
+// connected on the board; its flags are there to be read.
+//
+// Modelled: host interface, memory map, registers with widths, reset values and access, power and
+// clock states, frame timing, double-buffered lists, touch and tags, the coprocessor, a flash chip
+// beside an E3. At the end of each frame: touch coordinates and tag are noted, the frame counts as
+// scanned, a swap that was asked for is made, animations put their next list on the panel, and
+// the coprocessor goes on with what waited for any of this.
+//
+// Not modelled, as nothing here could show it: sound (over at once), dithering, colour swizzle and
+// sync polarity, pin drive, dual and quad SPI, tearing by a swap in mid-frame (drawn as if at its
+// end), more than one finger. Not modelled and complained about: a rotated picture, and the
+// commands that coprocessor.h names.
 class Controller::Chip : private HostTarget, private RegisterBehaviour, private CoprocessorPort {
 public:
     Chip(Generation generation, const Options& options);

@@ -39,4 +39,50 @@ TEST_P(ControllerOfEveryGeneration, SaysWhatTextIsOnThePanel) {
               (std::vector<std::string>{"Please wait", "Preparing the system"}));
 }
 
+TEST(Controller, TellsItsObserverWhatCrossedTheBus) {
+    Host host(Generation::E3);
+    host.boot();
+    host.seen.transactions.clear();
+    const Nanoseconds start = host.now;
+    host.read8(host.at.id());
+    ASSERT_EQ(host.seen.transactions.size(), 1U);
+    const controller::Transaction& transaction = host.seen.transactions.front();
+    EXPECT_EQ(transaction.sent, (std::vector<std::uint8_t>{0x30, 0x20, 0x00, 0x00, 0x00}));
+    EXPECT_EQ(transaction.received, (std::vector<std::uint8_t>{0, 0, 0, 0, 0x7C}));
+    EXPECT_GE(transaction.start, start);
+    EXPECT_EQ(transaction.end, host.now);
+}
+
+TEST(Controller, WorksWithoutAnObserver) {
+    Host host(Generation::E3);
+    host.chip.setObserver(nullptr);
+    host.bootWithPanel();
+    host.send({0xFFFFFFFF});
+    host.waitFrames(2);
+    EXPECT_EQ(host.read16(host.at.cmdRead()), 0xFFF);
+}
+
+TEST(Controller, RepeatedEdgesOfOneLevelAreNone) {
+    Host host(Generation::E3);
+    host.boot();
+    host.chip.setChipSelect(true, host.now);
+    host.chip.setChipSelect(false, host.now);
+    host.chip.exchange(0x30, host.now);
+    host.chip.setChipSelect(false, host.now); // still the same transaction
+    for (const int byte : {0x20, 0x00, 0x00}) {
+        host.chip.exchange(static_cast<std::uint8_t>(byte), host.now);
+    }
+    EXPECT_EQ(host.chip.exchange(0, host.now), 0x7C);
+    host.chip.setChipSelect(true, host.now);
+}
+
+TEST(Controller, TimeThatRunsBackwardsDoesNoHarm) {
+    Host host(Generation::E3);
+    host.bootWithPanel();
+    host.waitFrames(3);
+    host.chip.advance(0);
+    host.chip.exchange(0, 0);
+    EXPECT_EQ(host.chip.framesScanned(), 3U);
+}
+
 } // namespace
