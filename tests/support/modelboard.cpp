@@ -2,7 +2,10 @@
 
 #include "platform.h"
 
+#include <algorithm>
+#include <map>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -12,6 +15,7 @@ constexpr controller::Nanoseconds millisecond = 1'000'000;
 
 std::unique_ptr<controller::Controller> fitted;
 controller::Nanoseconds clockTime = 0;
+std::multimap<controller::Nanoseconds, std::function<void()>> due; // by the time on the clock
 
 unsigned char exchange(unsigned char sent) {
     clockTime += byteTime;
@@ -22,9 +26,10 @@ unsigned char exchange(unsigned char sent) {
 
 namespace modelboard {
 
-void fit(controller::Generation generation) {
-    fitted = std::make_unique<controller::Controller>(generation);
+void fit(controller::Generation generation, const controller::Options& options) {
+    fitted = std::make_unique<controller::Controller>(generation, options);
     clockTime = 0;
+    due.clear();
 }
 
 controller::Controller& controller() {
@@ -36,8 +41,20 @@ controller::Nanoseconds now() {
 }
 
 void pass(controller::Nanoseconds duration) {
-    clockTime += duration;
+    const controller::Nanoseconds end = clockTime + duration;
+    while (!due.empty() && due.begin()->first <= end) {
+        clockTime = std::max(clockTime, due.begin()->first);
+        fitted->advance(clockTime);
+        const std::function<void()> action = std::move(due.begin()->second);
+        due.erase(due.begin());
+        action();
+    }
+    clockTime = end;
     fitted->advance(clockTime);
+}
+
+void after(controller::Nanoseconds delay, std::function<void()> action) {
+    due.emplace(clockTime + delay, std::move(action));
 }
 
 } // namespace modelboard
@@ -55,19 +72,19 @@ void platform_spi_init() {}
 void platform_spi_deinit() {}
 
 unsigned char platform_spi_send_recv_byte(unsigned char b) {
-    clockTime += messageTime;
+    modelboard::pass(messageTime);
     return exchange(b);
 }
 
 void platform_spi_send_data(unsigned char* data, unsigned short len) {
-    clockTime += messageTime;
+    modelboard::pass(messageTime);
     for (unsigned short i = 0; i < len; ++i) {
         exchange(data[i]);
     }
 }
 
 void platform_spi_recv_data(unsigned char* data, unsigned short len) {
-    clockTime += messageTime;
+    modelboard::pass(messageTime);
     for (unsigned short i = 0; i < len; ++i) {
         data[i] = exchange(0);
     }

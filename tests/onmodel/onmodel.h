@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Gpu_Hal.h"
+#include "modelboard.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// What the model board throws out of a call of the application that has lasted too long.
+class TookTooLong : public std::runtime_error {
+public:
+    TookTooLong() : std::runtime_error("the application still waits") {}
+};
+
+constexpr controller::Nanoseconds milliseconds(controller::Nanoseconds count) {
+    return count * 1'000'000;
+}
+
+constexpr controller::Nanoseconds seconds(controller::Nanoseconds count) {
+    return milliseconds(1000 * count);
+}
+
+// "E1" and the like: names for tests that run once per generation.
+std::string nameOf(controller::Generation generation);
+
+// The application's own layers in front of a controller model. A test fails when the controller
+// complained of something that the test has not asked for with takeComplaints(), and when it takes
+// more than half a minute of simulated time.
+class OnModel : public testing::Test, protected controller::Observer {
+protected:
+    OnModel();
+    ~OnModel() override;
+
+    // Fits a controller, powered down, and sets the registry to its generation.
+    void fit(controller::Generation generation, const controller::Options& options = {});
+    // The same, and takes it through the program's start up to the black first frame.
+    void bringUp(controller::Generation generation, const controller::Options& options = {});
+
+    // Lets the board throw TookTooLong out of the application `limit` from now on. The controller
+    // is then in the middle of whatever it was doing: only fit() gets it out of there.
+    static void giveUpAfter(controller::Nanoseconds limit);
+
+    // Sends what is in the application's command buffer and waits until it is done.
+    void complete();
+
+    // Taps the panel from `delay` from now on for 100 ms, while the application goes on.
+    static void tapAfter(controller::Nanoseconds delay, int x, int y);
+
+    // Whether the coprocessor has taken all that the application sent.
+    bool coprocessorIsIdle() const;
+
+    // What the controller has complained of since the last call.
+    std::vector<std::string> takeComplaints();
+
+    static const controller::Picture& picture() { return modelboard::controller().frame().picture; }
+
+    // Keeps what the panel shows as NAME.ppm beside the tests, for the eyes of whoever looks into
+    // a failure.
+    static void keepPicture(const std::string& name);
+
+    Gpu_Hal_Context_t host{};
+
+private:
+    void complained(const std::string& text) override { m_complaints.push_back(text); }
+
+    std::vector<std::string> m_complaints;
+};
