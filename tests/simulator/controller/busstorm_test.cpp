@@ -141,7 +141,7 @@ TEST_P(BusStorm, RandomDisplayLists) {
     host.bootWithPanel();
     Random random(4);
     for (int i = 0; i < 12; ++i) {
-        std::vector<std::uint8_t> list(2048 * 4);
+        std::vector<std::uint8_t> list(8192); // 2048 words
         for (std::uint8_t& byte : list) {
             byte = static_cast<std::uint8_t>(random.next());
         }

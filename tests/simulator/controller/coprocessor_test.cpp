@@ -1,12 +1,10 @@
 #include "host.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace controllertest;
-using testing::ElementsAre;
 using V = std::vector<std::uint32_t>;
 
 // The ring reader: words, blocking, faults and their recovery.

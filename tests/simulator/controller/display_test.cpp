@@ -7,7 +7,6 @@
 namespace {
 
 using namespace controllertest;
-using testing::IsEmpty;
 using V = std::vector<std::uint32_t>;
 
 std::uint32_t point(int x, int y, int handle = 0) {

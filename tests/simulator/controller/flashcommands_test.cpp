@@ -123,12 +123,12 @@ TEST_F(FlashCommands, ReadingBeyondTheChipGivesErasedBytes) {
 }
 
 TEST_F(FlashCommands, UpdateMakesSectorsHoldWhatMemoryHolds) {
-    std::fill_n(host.chip.flash().begin(), 3 * 4096, std::uint8_t{0});
+    std::fill_n(host.chip.flash().begin(), 12288, std::uint8_t{0});
     host.send({cmd::memSet, 0, 0xA5, 8192, cmd::flashUpdate, 4096, 0, 8192});
     EXPECT_EQ(host.chip.flash()[4095], 0);
     EXPECT_EQ(host.chip.flash()[4096], 0xA5);
-    EXPECT_EQ(host.chip.flash()[3 * 4096 - 1], 0xA5);
-    EXPECT_EQ(host.chip.flash()[3 * 4096], 0xFF);
+    EXPECT_EQ(host.chip.flash()[12287], 0xA5);
+    EXPECT_EQ(host.chip.flash()[12288], 0xFF);
     host.send({cmd::flashUpdate, 100, 0, 4096});
     EXPECT_EQ(host.read16(host.at.cmdRead()), 0xFFF);
 }

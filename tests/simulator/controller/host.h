@@ -113,7 +113,7 @@ public:
 
     // --- coprocessor
     // Writes words, or bytes padded to words, into the ring and publishes them; waits for nothing.
-    void send(const std::vector<std::uint32_t>& words);
+    void send(const std::vector<std::uint32_t>& values);
     void sendBytes(const std::vector<std::uint8_t>& data);
     bool ringIsEmpty();
     // A display list without coprocessor commands of the caller's own, and its swap.

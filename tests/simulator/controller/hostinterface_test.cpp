@@ -43,6 +43,7 @@ class HostInterfaceTest : public testing::Test {
 protected:
     std::vector<int> transact(const std::vector<std::uint8_t>& sent) {
         std::vector<int> received;
+        received.reserve(sent.size());
         host.select();
         for (const std::uint8_t byte : sent) {
             received.push_back(host.exchange(byte));

@@ -42,7 +42,7 @@ protected:
     }
     // As a driver does: pieces no larger than the free space, each waited for.
     void stream(const Bytes& data) {
-        constexpr std::size_t piece = 1500 / 4 * 4;
+        constexpr std::size_t piece = 1500;
         for (std::size_t at = 0; at < data.size(); at += piece) {
             host.sendBytes(Bytes(
                 data.begin() + static_cast<std::ptrdiff_t>(at),
