@@ -226,8 +226,9 @@ Session::Session(script::Script script, std::chrono::milliseconds timeLimit, Rig
     m_rig.module().addWatcher(&m_frames);
     connect(&m_rig, &Rig::ticked, this, &Session::play);
     connect(&m_rig, &Rig::requestReceived, this, &Session::play);
-    connect(&m_rig, &Rig::complained, this,
-            [this](const QString& text) { failStatement(ExitStatus::Complaint, text); });
+    connect(&m_rig, &Rig::complained, this, [this](const QString& text) {
+        failStatement(ExitStatus::Complaint, QStringLiteral("the controller complained: ") + text);
+    });
     connect(&m_rig.application(), &Application::ended, this, &Session::applicationEnded);
 }
 
