@@ -26,7 +26,7 @@ struct Outcome {
 class Panelsim : public testing::Test {
 protected:
     QString write(const char* name, const QByteArray& content) const {
-        const QString path = m_directory.filePath(QString::fromLatin1(name));
+        QString path = m_directory.filePath(QString::fromLatin1(name));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
@@ -35,7 +35,7 @@ protected:
 
     // A program in the application's place.
     QString application(const QByteArray& commands) const {
-        const QString path = write("application", "#!/bin/sh\n" + commands + '\n');
+        QString path = write("application", "#!/bin/sh\n" + commands + '\n');
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return path;
     }

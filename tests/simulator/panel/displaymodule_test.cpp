@@ -1,0 +1,141 @@
+#include "displaymodule.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace panel {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr auto generous = std::chrono::seconds(60);
+
+class Recorder : public Watcher {
+public:
+    void frameScanned(const controller::Controller& controller) override {
+        lastFrame = controller.framesScanned();
+        ++frames;
+    }
+    void transactionEnded(const controller::Transaction& transaction) override {
+        transactions.push_back(transaction.sent);
+    }
+    void complained(const std::string& text) override { complaints.push_back(text); }
+
+    std::uint32_t lastFrame = 0;
+    std::uint32_t frames = 0;
+    std::vector<Bytes> transactions;
+    std::vector<std::string> complaints;
+};
+
+class DisplayModuleTest : public testing::Test {
+protected:
+    DisplayModuleTest() { m_module.addWatcher(&m_seen); }
+
+    void send(const Bytes& bytes) {
+        m_module.chipSelect(false);
+        m_module.transfer(bytes.data(), nullptr, bytes.size());
+        m_module.chipSelect(true);
+    }
+
+    Bytes read(std::uint32_t address, std::size_t count) {
+        const Bytes header{static_cast<std::uint8_t>(address >> 16),
+                           static_cast<std::uint8_t>(address >> 8),
+                           static_cast<std::uint8_t>(address), 0};
+        Bytes received(count);
+        m_module.chipSelect(false);
+        m_module.transfer(header.data(), nullptr, header.size());
+        m_module.transfer(nullptr, received.data(), received.size());
+        m_module.chipSelect(true);
+        return received;
+    }
+
+    void boot() {
+        m_module.powerDown(true);
+        m_module.chipSelect(true);
+        send({0, 0, 0});
+        const auto start = std::chrono::steady_clock::now();
+        while (read(0x302020, 1) != Bytes{0} || read(0x302000, 1) != Bytes{0x7C}) {
+            ASSERT_LT(std::chrono::steady_clock::now() - start, generous);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+
+    // The scan runs in real time.
+    void waitForFrames(std::uint32_t count) {
+        const auto start = std::chrono::steady_clock::now();
+        while (m_module.counts().frames < count) {
+            ASSERT_LT(std::chrono::steady_clock::now() - start, generous);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            m_module.advance();
+        }
+    }
+
+    DisplayModule m_module{controller::Generation::E3};
+    Recorder m_seen;
+};
+
+TEST_F(DisplayModuleTest, CarriesTheWiresToTheController) {
+    boot();
+    EXPECT_EQ(read(0x0C0000, 4), (Bytes{0x08, 0x15, 0x01, 0x00}));
+    EXPECT_TRUE(m_seen.complaints.empty());
+}
+
+TEST_F(DisplayModuleTest, ShowsWatchersEveryTransaction) {
+    boot();
+    m_seen.transactions.clear();
+    send({0xB0, 0x20, 0x70, 0x05});
+    EXPECT_EQ(m_seen.transactions, (std::vector<Bytes>{{0xB0, 0x20, 0x70, 0x05}}));
+}
+
+TEST_F(DisplayModuleTest, ScansFramesInRealTime) {
+    boot();
+    EXPECT_FALSE(m_module.panel().scanning);
+    send({0xB0, 0x20, 0x70, 0x05}); // pixel clock on
+    EXPECT_TRUE(m_module.panel().scanning);
+    waitForFrames(3);
+    EXPECT_EQ(m_seen.frames, m_module.counts().frames);
+}
+
+TEST_F(DisplayModuleTest, CountsFramesOverPowerCycles) {
+    boot();
+    send({0xB0, 0x20, 0x70, 0x05});
+    waitForFrames(3);
+    m_module.powerDown(false);
+    boot();
+    send({0xB0, 0x20, 0x70, 0x05});
+    const std::uint32_t before = m_module.counts().frames;
+    EXPECT_GE(before, 3U);
+    waitForFrames(before + 1);
+    EXPECT_LT(m_seen.lastFrame, m_module.counts().frames);
+}
+
+TEST_F(DisplayModuleTest, PassesComplaintsOn) {
+    boot();
+    send({0xBF, 0xFF, 0xFF, 0x01}); // nothing is there
+    EXPECT_EQ(m_seen.complaints.size(), 1U);
+}
+
+TEST_F(DisplayModuleTest, ARemovedWatcherSeesNothingMore) {
+    boot();
+    m_module.removeWatcher(&m_seen);
+    m_seen.transactions.clear();
+    send({0xB0, 0x20, 0x70, 0x05});
+    EXPECT_TRUE(m_seen.transactions.empty());
+}
+
+TEST_F(DisplayModuleTest, ControllerFaultsCanBeSwitched) {
+    boot();
+    m_module.setIdentity(0x12345678);
+    EXPECT_EQ(read(0x0C0000, 4), (Bytes{0x78, 0x56, 0x34, 0x12}));
+    m_module.setAnswering(false);
+    EXPECT_EQ(read(0x0C0000, 4), (Bytes{0, 0, 0, 0}));
+}
+
+TEST_F(DisplayModuleTest, APictureHasThePanelsSize) {
+    EXPECT_EQ(m_module.picture().width, 480);
+    EXPECT_EQ(m_module.picture().height, 272);
+}
+
+} // namespace
+} // namespace panel

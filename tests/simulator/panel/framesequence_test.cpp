@@ -1,0 +1,172 @@
+#include "framesequence.h"
+#include "host.h"
+#include "pictures.h"
+
+#include <gtest/gtest.h>
+
+namespace panel {
+namespace {
+
+using namespace controllertest; // its operator+ too
+
+using Words = std::vector<std::uint32_t>;
+
+constexpr std::uint32_t display = 0;
+constexpr std::uint32_t clearAll = 0x26000007;
+constexpr controller::Nanoseconds frame = 13'338'667; // 5 x 548 x 292 clocks of 60 MHz
+
+// A list that says `text`, with what stands behind it.
+Words listSaying(const char* text, const Words& more = {}) {
+    return Words{cmd::dlStart, clearAll, cmd::text, pair(10, 10), pair(28, 0)} +
+           controllertest::words(text) + more + Words{display, cmd::swap};
+}
+
+class FrameSequenceTest : public testing::Test, private controller::Observer {
+protected:
+    FrameSequenceTest() {
+        m_host.bootWithPanel();
+        m_host.chip.setObserver(this);
+    }
+
+    void play(const std::vector<script::FrameStep>& steps) { m_sequence.start(steps, m_host.chip); }
+
+    std::size_t stepsEnded() const { return m_events.size(); }
+
+    Host m_host{controller::Generation::E3};
+    std::vector<FrameSequence::Event> m_events;
+    std::vector<std::uint32_t> m_frames; // at which the steps ended
+    FrameSequence m_sequence{[this](const FrameSequence::Event& event) {
+        m_events.push_back(event);
+        m_frames.push_back(m_host.chip.framesScanned());
+    }};
+
+private:
+    void frameScanned(std::uint32_t /*number*/, controller::Nanoseconds /*now*/) override {
+        m_sequence.frameScanned(m_host.chip);
+    }
+};
+
+TEST_F(FrameSequenceTest, WaitsForSoManyFrames) {
+    const std::uint32_t start = m_host.chip.framesScanned();
+    play({script::WaitFrames{2}, script::WaitFrames{3}});
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.waitFrames(10);
+    EXPECT_EQ(m_frames, (std::vector<std::uint32_t>{start + 2, start + 5}));
+}
+
+TEST_F(FrameSequenceTest, WaitsForText) {
+    play({script::WaitText{QStringLiteral("Ready*"), true}});
+    m_host.send(listSaying("Not yet"));
+    m_host.waitFrames(3);
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.send(listSaying("Ready now"));
+    m_host.waitFrames(3);
+    EXPECT_EQ(stepsEnded(), 1U);
+}
+
+TEST_F(FrameSequenceTest, WaitsForTextToVanish) {
+    m_host.send(listSaying("Busy"));
+    m_host.waitFrames(3);
+    play({script::WaitText{QStringLiteral("Busy"), false}});
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.send(listSaying("Done"));
+    m_host.waitFrames(3);
+    EXPECT_EQ(stepsEnded(), 1U);
+}
+
+TEST_F(FrameSequenceTest, IsContentAtOnceWithWhatIsShownAlready) {
+    m_host.send(listSaying("Here"));
+    m_host.waitFrames(3);
+    play({script::WaitText{QStringLiteral("Here"), true}, script::WaitQuiet{},
+          script::ExpectText{QStringLiteral("Here"), true}});
+    EXPECT_EQ(stepsEnded(), 3U);
+}
+
+TEST_F(FrameSequenceTest, WaitsForSwaps) {
+    play({script::WaitSwaps{2}});
+    m_host.send(listSaying("1"));
+    m_host.waitFrames(5);
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.send(listSaying("2"));
+    m_host.waitFrames(5);
+    EXPECT_EQ(stepsEnded(), 1U);
+}
+
+TEST_F(FrameSequenceTest, WaitsForReadsOfTheTag) {
+    play({script::WaitReads{2}});
+    m_host.read8(m_host.at.touchTag());
+    m_host.waitFrames(2);
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.read8(m_host.at.touchTag());
+    m_host.waitFrames(2);
+    EXPECT_EQ(stepsEnded(), 1U);
+}
+
+TEST_F(FrameSequenceTest, AScreenshotWaitsUntilASwapIsMade) {
+    m_host.send(listSaying("Old"));
+    m_host.waitFrames(3);
+    m_host.send(listSaying("New"));
+    play({script::Screenshot{QStringLiteral("a"), false}});
+    EXPECT_EQ(stepsEnded(), 0U) << "the swap is still pending";
+    m_host.waitFrames(3);
+    ASSERT_EQ(stepsEnded(), 1U);
+    EXPECT_TRUE(showsText(m_host.chip, QStringLiteral("New")));
+    EXPECT_EQ(m_events[0].picture, toImage(m_host.chip.frame().picture));
+}
+
+TEST_F(FrameSequenceTest, AnUnmetExpectationEndsIt) {
+    m_host.send(listSaying("Here"));
+    m_host.waitFrames(3);
+    play({script::ExpectText{QStringLiteral("There"), true}, script::WaitFrames{1}});
+    m_host.waitFrames(3);
+    ASSERT_EQ(stepsEnded(), 1U);
+    EXPECT_EQ(m_events[0].failure, "the panel shows: \"Here\"");
+}
+
+TEST_F(FrameSequenceTest, SaysNothingMoreAfterStop) {
+    play({script::WaitFrames{1}});
+    m_sequence.stop();
+    m_host.waitFrames(3);
+    EXPECT_EQ(stepsEnded(), 0U);
+}
+
+TEST_F(FrameSequenceTest, CatchesAnExactFrameOfAnAnimationHoweverTimePasses) {
+    const Words animated = listSaying("Wait", {cmd::spinner, pair(236, 196), pair(3, 1)});
+    const std::vector<script::FrameStep> steps{script::WaitText{QStringLiteral("Wait"), true},
+                                               script::WaitSwaps{5},
+                                               script::Screenshot{QStringLiteral("a"), true}};
+    play(steps);
+    m_host.send(animated);
+    for (int i = 0; i < 2000; ++i) {
+        m_host.wait(frame / 20);
+    }
+    m_host.send({cmd::stop});
+    m_host.send(listSaying("Between"));
+    m_host.waitFrames(3);
+    play(steps);
+    m_host.send(animated);
+    m_host.wait(1000 * ms); // at one go
+    ASSERT_EQ(stepsEnded(), 6U);
+    EXPECT_EQ(m_events[2].picture, m_events[5].picture);
+    EXPECT_NE(*m_events[2].picture, toImage(m_host.chip.frame().picture));
+}
+
+TEST(IsQuiet, FollowsRingAndSwapOnEveryGeneration) {
+    for (const auto generation :
+         {controller::Generation::E1, controller::Generation::E2, controller::Generation::E3}) {
+        Host host(generation);
+        host.bootWithPanel();
+        host.waitFrames(2);
+        EXPECT_TRUE(isQuiet(host.chip));
+        host.send(listSaying("Swap"));
+        EXPECT_FALSE(isQuiet(host.chip));
+        host.waitFrames(3);
+        EXPECT_TRUE(isQuiet(host.chip));
+        host.chip.setCoprocessorStalled(true);
+        host.send({cmd::dlStart});
+        EXPECT_FALSE(isQuiet(host.chip));
+    }
+}
+
+} // namespace
+} // namespace panel
