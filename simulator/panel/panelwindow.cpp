@@ -52,14 +52,14 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     auto* layout = new QVBoxLayout(centre);
     layout->addWidget(inBezel(m_view));
     layout->addWidget(keys);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
     setCentralWidget(centre);
+    QMainWindow::layout()->setSizeConstraint(QLayout::SetFixedSize); // follow the zoom
     statusBar()->addWidget(m_application);
     statusBar()->addWidget(m_server);
     statusBar()->addPermanentWidget(m_frameRate);
     statusBar()->setSizeGripEnabled(false);
     addActions();
-    setZoom(zoom);
+    m_view->setZoom(zoom);
 
     connect(m_view, &PanelView::touched, this,
             [this](QPoint pixel) { m_rig.module().touch(pixel.x(), pixel.y()); });
@@ -89,13 +89,13 @@ void PanelWindow::addActions() {
 void PanelWindow::perform(KeyAction action) {
     switch (action) {
     case KeyAction::Zoom1:
-        return setZoom(1);
+        return m_view->setZoom(1);
     case KeyAction::Zoom2:
-        return setZoom(2);
+        return m_view->setZoom(2);
     case KeyAction::Zoom3:
-        return setZoom(3);
+        return m_view->setZoom(3);
     case KeyAction::Zoom4:
-        return setZoom(4);
+        return m_view->setZoom(4);
     case KeyAction::Screenshot:
         return takeScreenshot();
     case KeyAction::RestartApplication:
@@ -108,12 +108,6 @@ void PanelWindow::perform(KeyAction action) {
         close();
         return;
     }
-}
-
-void PanelWindow::setZoom(int zoom) {
-    m_view->setZoom(zoom);
-    centralWidget()->layout()->activate();
-    setFixedSize(sizeHint());
 }
 
 void PanelWindow::takeScreenshot() {

@@ -28,7 +28,6 @@ protected:
 private:
     void addActions();
     void perform(KeyAction action);
-    void setZoom(int zoom);
     void takeScreenshot();
     void restartApplication();
     void toggleServer();

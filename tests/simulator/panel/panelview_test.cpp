@@ -77,10 +77,3 @@ TEST_F(PanelViewTest, OnlyTheLeftButtonTouches) {
 
 } // namespace
 } // namespace panel
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "minimal");
-    QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
