@@ -37,9 +37,10 @@ std::uintptr_t addressOf(const void* memory) {
     return reinterpret_cast<std::uintptr_t>(memory);
 }
 
-spi_ioc_transfer sending(const std::string& text, std::size_t length) {
+// The record points into `text`, which must outlive it.
+spi_ioc_transfer sending(const char* text, std::size_t length) {
     spi_ioc_transfer record{};
-    record.tx_buf = addressOf(text.data());
+    record.tx_buf = addressOf(text);
     record.len = static_cast<__u32>(length);
     return record;
 }
@@ -51,11 +52,11 @@ int rawIoctl(int node, const std::string& request) {
         return ioctl(node, SPI_IOC_RD_LSB_FIRST, &value);
     }
     if (request == "toolong") {
-        const spi_ioc_transfer record = sending(text, 4097);
+        const spi_ioc_transfer record = sending(text.data(), 4097);
         return ioctl(node, SPI_IOC_MESSAGE(1), &record);
     }
     if (request == "badaddress") {
-        spi_ioc_transfer record = sending(text, 4);
+        spi_ioc_transfer record = sending(text.data(), 4);
         record.tx_buf = 16;
         return ioctl(node, SPI_IOC_MESSAGE(1), &record);
     }
