@@ -52,6 +52,7 @@ void Coprocessor::reset() {
 
 // Everything but what the registers hold.
 void Coprocessor::resetState() {
+    m_resetDue = false;
     m_faulty = false;
     m_more = false;
     m_listFull = false;
@@ -66,7 +67,11 @@ void Coprocessor::resetState() {
 
 void Coprocessor::hold(bool held) {
     if (held && !m_held) {
-        resetState();
+        if (m_running) {
+            m_resetDue = true; // a command has written the register, and must not vanish meanwhile
+        } else {
+            resetState();
+        }
     }
     m_held = held;
 }
@@ -102,10 +107,16 @@ void Coprocessor::run() {
     }
     m_more = taken == wordsPerTurn;
     m_running = false;
+    if (m_resetDue) {
+        resetState();
+    }
 }
 
 // Takes one word if there is one and nothing is waited for.
 bool Coprocessor::step() {
+    if (m_resetDue) {
+        resetState();
+    }
     const std::uint32_t offset = readOffset();
     if (m_held || m_faulty || offset == (m_registers[Register::CmdWrite] & (ringBytes - 4))) {
         return false;

@@ -241,6 +241,7 @@ private:
 
     // The ring reader.
     bool m_held = false;
+    bool m_resetDue = false; // as soon as the command that asks for it is done
     bool m_faulty = false;
     bool m_running = false;
     bool m_more = false;

@@ -416,6 +416,25 @@ TEST_P(CommandsOnModel, ThatNoGenerationHasAreFaultsToo) {
     }
 }
 
+TEST_P(CommandsOnModel, ACommandMayResetTheCoprocessorThatRunsIt) {
+    bringUp(GetParam());
+    Gpu_CoCmd_MemWrite(&host, EVE_REG("__REG_CPURESET"), 8);
+    Gpu_Copro_SendCmd(&host, 1);
+    Gpu_Copro_SendCmd(&host, 0);
+    App_Flush_Co_Buffer_nowait(&host);
+    modelboard::pass(milliseconds(50));
+    resetCoprocessor();
+    EXPECT_TRUE(showsAFrame());
+
+    bringUp(GetParam());
+    Gpu_CoCmd_MemSet(&host, EVE_REG("__REG_CPURESET"), 1, 1);
+    App_Flush_Co_Buffer_nowait(&host);
+    modelboard::pass(milliseconds(50));
+    resetCoprocessor();
+    EXPECT_TRUE(showsAFrame());
+    takeComplaints();
+}
+
 TEST_P(CommandsOnModel, AFaultKeepsTheApplicationWaitingForEver) {
     bringUp(GetParam());
     Gpu_Copro_SendCmd(&host, 0xFFFFFF60);
