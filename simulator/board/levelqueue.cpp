@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/inotify.h>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -44,6 +45,12 @@ void LevelQueue::add(const std::string& path) {
     if (watch < 0) {
         fail("cannot watch " + path, " (if none are left, raise fs.inotify.max_user_watches)");
     }
+}
+
+int LevelQueue::waiting() const {
+    int bytes = 0;
+    ioctl(m_inotify, FIONREAD, &bytes);
+    return bytes;
 }
 
 void LevelQueue::drain(const Sink& sink) {

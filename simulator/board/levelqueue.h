@@ -12,6 +12,9 @@ namespace board {
 // inotify, as each FIFO alone knows nothing of the others. inotify makes one event of a run of
 // writes to one FIFO, so one order is a guess: if several runs of a line wait and one of them has
 // several levels, the last run is taken to be that one. Not thread-safe.
+//
+// The program must not be writing while levels are drained: it waits in an ioctl, or has been quiet
+// for a while. A level whose event has not been posted yet could otherwise come too early.
 class LevelQueue {
 public:
     // Throws BoardError, as does add().
@@ -25,6 +28,9 @@ public:
 
     // Readable while levels wait.
     int fileDescriptor() const { return m_inotify; }
+
+    // How much waits; the same amount twice in a row means that nothing was written in between.
+    int waiting() const;
 
     using Sink = std::function<void(std::size_t line, bool high)>;
     // Hands every level that waits to `sink`. Never blocks.

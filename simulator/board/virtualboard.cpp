@@ -32,6 +32,10 @@ enum WatchedLine : std::size_t { powerDownLine, chipSelectLine };
 // The driver's own limit for the bytes of one message, and of one request of several records.
 constexpr std::size_t longestMessage = 4096;
 
+// For so long a program must have written no level before one is shown that no message follows.
+// Well below the 20 ms for which the power-down line is held.
+constexpr int quietMs = 4;
+
 std::string linePath(int number, const char* file) {
     return gpioDirectory + ("gpio" + std::to_string(number) + "/" + file);
 }
@@ -228,15 +232,18 @@ void VirtualBoard::Private::drain() {
     });
 }
 
+// Levels that a message follows are left to it.
 void VirtualBoard::Private::watchLevels() {
-    std::array<pollfd, 2> sources{
-        {{m_levels.fileDescriptor(), POLLIN, 0}, {m_end.fileDescriptor(), POLLIN, 0}}};
-    for (;;) {
-        poll(sources.data(), sources.size(), -1);
-        if (sources[1].revents != 0) {
+    pollfd end{m_end.fileDescriptor(), POLLIN, 0};
+    std::array<pollfd, 2> sources{{end, {m_levels.fileDescriptor(), POLLIN, 0}}};
+    while (poll(sources.data(), sources.size(), -1) < 0 || sources[0].revents == 0) {
+        const int waiting = m_levels.waiting();
+        if (poll(&end, 1, quietMs) == 1) {
             return;
         }
-        sync();
+        if (m_levels.waiting() == waiting) {
+            sync();
+        }
     }
 }
 
