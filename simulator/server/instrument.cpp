@@ -41,7 +41,7 @@ Instrument::Instrument(std::uint32_t seed) : m_source(seed) {}
 
 QByteArray Instrument::answer(const QByteArray& line, double now) {
     const int space = line.indexOf(' ');
-    const QByteArray command = line.left(space); // the whole line if there is no space
+    const QByteArray command = space < 0 ? line : line.left(space);
     const QByteArray arguments = space < 0 ? QByteArray() : line.mid(space + 1);
     if (command == "START")
         return start(arguments);

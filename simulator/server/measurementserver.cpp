@@ -28,6 +28,10 @@ QString explained(const QTcpServer& server, quint16 port) {
                       .arg(port);
 }
 
+QByteArray firstWord(const QByteArray& line) {
+    return line.split(' ').first();
+}
+
 } // namespace
 
 MeasurementServer::MeasurementServer(std::uint32_t seed, QObject* parent)
@@ -87,7 +91,7 @@ void MeasurementServer::readRequests(QTcpSocket* socket) {
         const int end = pending.indexOf('\n');
         if (end < 0 && pending.size() <= longestRequest)
             return;
-        const QByteArray line = pending.left(end); // all of it if it never ended
+        const QByteArray line = end < 0 ? pending : pending.left(end);
         pending = end < 0 ? QByteArray() : pending.mid(end + 1);
         handle(socket, line);
     }
@@ -98,8 +102,7 @@ void MeasurementServer::handle(QTcpSocket* socket, const QByteArray& line) {
     emit requestReceived(line);
     if (!m_pending.contains(socket))
         return;
-    const QByteArray command = line.left(line.indexOf(' '));
-    send(socket, spoiled(m_replies.value(command, own), m_fault));
+    send(socket, spoiled(m_replies.value(firstWord(line), own), m_fault));
 }
 
 void MeasurementServer::send(QTcpSocket* socket, const QByteArray& reply) {

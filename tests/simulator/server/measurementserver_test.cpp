@@ -231,6 +231,13 @@ TEST_F(MeasurementServerTest, ReplacedReplyIsSentUntilClearedAndTheCommandIsCarr
     EXPECT_EQ(client.ask("START 4\n"), "Ok\n");
 }
 
+TEST_F(MeasurementServerTest, ReplacesTheReplyToACommandWithoutArguments) {
+    Client client(server);
+    server.setReply("DATA?", "[1,2]\n");
+    EXPECT_EQ(client.ask("DATA?\n"), "[1,2]\n");
+    EXPECT_EQ(client.ask("PARAMS?\n"), defaultParams);
+}
+
 TEST_F(MeasurementServerTest, ParametersCanBeSetToAnything) {
     Client client(server);
     server.setParams({0.001, {1, 2, 3, 4}});
