@@ -2,6 +2,9 @@
 
 #include "memorylayout.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace controller {
 
 namespace {
@@ -152,6 +155,12 @@ const RegisterInfo* registerAt(Generation generation, std::uint32_t address) {
 
 const RegisterInfo& registerInfo(Register id) {
     return table[static_cast<std::size_t>(id)];
+}
+
+std::optional<Register> registerNamed(std::string_view name) {
+    const auto found = std::find_if(std::begin(table), std::end(table),
+                                    [name](const RegisterInfo& info) { return info.name == name; });
+    return found == std::end(table) ? std::nullopt : std::optional(found->id);
 }
 
 Registers::Registers(Generation generation) : m_generation(generation) {

@@ -5,6 +5,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace controller {
 
@@ -140,6 +142,7 @@ struct RegisterInfo {
 // another one's address (the capacitive-touch names) are known by the first name.
 const RegisterInfo* registerAt(Generation generation, std::uint32_t address);
 const RegisterInfo& registerInfo(Register id);
+std::optional<Register> registerNamed(std::string_view name);
 
 // The values of all registers. What reading or writing one causes is the business of others.
 class Registers {

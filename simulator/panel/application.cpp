@@ -115,14 +115,15 @@ void Application::passOn(int channel) {
     const bool isError = channel == QProcess::StandardError;
     m_process->setReadChannel(isError ? QProcess::StandardError : QProcess::StandardOutput);
     FILE* const out = isError ? stderr : stdout;
-    const QByteArray prefix = QFileInfo(m_program).fileName().toLocal8Bit() + ": ";
+    const QByteArray name = QFileInfo(m_program).fileName().toLocal8Bit();
     const bool running = m_process->state() == QProcess::Running;
     while (running ? m_process->canReadLine() : m_process->bytesAvailable() > 0) {
-        QByteArray line = prefix + m_process->readLine();
-        if (!line.endsWith('\n')) {
-            line += '\n';
+        QByteArray line = m_process->readLine();
+        if (line.endsWith('\n')) {
+            line.chop(1);
         }
-        std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), out);
+        std::fprintf(out, "%s: %s\n", name.constData(), line.constData());
+        emit wrote(QString::fromLocal8Bit(line));
     }
     std::fflush(out);
 }

@@ -47,7 +47,8 @@ public:
     int residentKilobytes() const;
 
 signals:
-    void ended(); // by itself; see lastEnd()
+    void wrote(const QString& line); // without its line feed; also passed on
+    void ended();                    // by itself; see lastEnd()
 
 private:
     void passOn(int channel);

@@ -69,6 +69,12 @@ controller::PanelState DisplayModule::panel() const {
     return m_controller.panel();
 }
 
+std::int32_t DisplayModule::registerValue(controller::Register id) const {
+    const std::lock_guard lock(m_mutex);
+    const controller::RegisterInfo& info = controller::registerInfo(id);
+    return static_cast<std::int32_t>(m_controller.peek32(info.address(m_controller.generation())));
+}
+
 controller::Picture DisplayModule::picture() const {
     const std::lock_guard lock(m_mutex);
     return m_controller.frame().picture;

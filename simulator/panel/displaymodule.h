@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controller.h"
+#include "registers.h"
 #include "virtualboard.h"
 
 #include <chrono>
@@ -51,7 +52,8 @@ public:
     };
     Counts counts() const;
     controller::PanelState panel() const;
-    controller::Picture picture() const; // what the list now shown draws
+    std::int32_t registerValue(controller::Register id) const; // without side effects
+    controller::Picture picture() const;                       // what the list now shown draws
 
     // Runs `look` with the module locked.
     template<typename Look>

@@ -1,31 +1,19 @@
 #pragma once
 
-#include <QString>
-#include <QStringList>
+#include "linelog.h"
 
 namespace panel {
 
-// The requests that reached the measurement server, without their line feeds, in order.
-class RequestLog {
+// The requests that reached the measurement server.
+class RequestLog : private LineLog {
 public:
-    void add(const QString& request) { m_requests += request; }
-
-    // The requests since here are what since() gives and what take() looks at.
-    void mark();
-
-    // Looks for a request like `pattern` (matchesPattern()) among those that no earlier take()
-    // has passed, and passes it.
-    bool take(const QString& pattern);
+    using LineLog::add;
+    using LineLog::count;
+    using LineLog::mark;
+    using LineLog::take;
 
     // Since the last mark; polls for data come and go with the time, so they can be left out.
     QStringList since(bool withData) const;
-
-    int count() const { return m_requests.size(); }
-
-private:
-    QStringList m_requests;
-    int m_marked = 0;
-    int m_passed = 0;
 };
 
 } // namespace panel

@@ -52,6 +52,8 @@ Rig::Failure Rig::start() {
     }
     m_timer.start(tickMs);
     m_application = std::make_unique<Application>(m_settings.application, boardEnvironment());
+    connect(m_application.get(), &Application::wrote, this,
+            [this](const QString& line) { m_log.add(line); });
     if (!m_settings.startApplication) {
         announceEnvironment();
     } else if (!m_application->start()) {

@@ -6,6 +6,7 @@
 #include "complaints.h"
 #include "displaymodule.h"
 #include "exitstatus.h"
+#include "linelog.h"
 #include "pictures.h"
 #include "requestlog.h"
 #include "serverthread.h"
@@ -43,6 +44,7 @@ public:
     ServerThread& server() { return m_server; }
     Complaints& complaints() { return m_complaints; }
     RequestLog& requests() { return m_requests; }
+    LineLog& log() { return m_log; } // what the application has written
 
     const PictureStore& pictures() const { return m_pictures; }
 
@@ -68,6 +70,7 @@ private:
     std::unique_ptr<Application> m_application;
     ServerThread m_server;
     RequestLog m_requests;
+    LineLog m_log;
     PictureStore m_pictures;
     QTimer m_timer;
 };

@@ -108,6 +108,18 @@ Action parseServerParams(ScriptLine& line) {
     return params;
 }
 
+Action parseExpectRegister(ScriptLine& line) {
+    ExpectRegister expected;
+    const QString name = line.word(QStringLiteral("the register"));
+    const auto id = controller::registerNamed(name.toStdString());
+    if (!id) {
+        line.fail(QStringLiteral("the controller has no register \"%1\"").arg(name));
+    }
+    expected.id = id.value_or(controller::Register{});
+    expected.value = line.integer(QStringLiteral("its value"), INT32_MIN, INT32_MAX);
+    return expected;
+}
+
 const Command commands[] = {
     {"wait time", [](ScriptLine& l) -> Action { return WaitTime{l.time(QStringLiteral("TIME"))}; },
      "TIME", "let the time pass, for example 500ms or 2s"},
@@ -133,6 +145,8 @@ const Command commands[] = {
     {"wait request", [](ScriptLine& l) -> Action { return WaitRequest{pattern(l)}; }, "TEXT",
      "until the server has got a request TEXT since the last\n"
      "\"wait request\" or \"mark\""},
+    {"wait log", [](ScriptLine& l) -> Action { return WaitLog{pattern(l)}; }, "TEXT",
+     "until the application has written a line TEXT since\nthe last \"wait log\" or \"mark\""},
     {"wait connection", [](ScriptLine&) -> Action { return WaitConnection{true}; }, "",
      "until a client is connected to the server"},
     {"wait no-connection", [](ScriptLine&) -> Action { return WaitConnection{false}; }, "",
@@ -192,7 +206,7 @@ const Command commands[] = {
     {"allow complaint", [](ScriptLine& l) -> Action { return AllowComplaint{pattern(l)}; }, "TEXT",
      "a complaint of the controller that is no failure"},
     {"mark", [](ScriptLine&) -> Action { return Mark{}; }, "",
-     "requests and memory count from here (and from the start)"},
+     "requests, log and memory count from here (and from the\nstart)"},
     {"expect text",
      [](ScriptLine& l) -> Action {
          return FrameStep{ExpectText{pattern(l), true}};
@@ -215,6 +229,11 @@ const Command commands[] = {
      "TEXT...", "the same with every DATA?"},
     {"expect no-request", [](ScriptLine& l) -> Action { return ExpectNoRequest{pattern(l)}; },
      "TEXT", "no request TEXT since the mark"},
+    {"expect log",
+     [](ScriptLine& l) -> Action { return ExpectLog{l.rest(QStringLiteral("a line"))}; }, "TEXT...",
+     "the lines the application wrote since the mark are these"},
+    {"expect register", parseExpectRegister, "NAME VALUE",
+     "the controller's register holds VALUE, signed"},
     {"expect memory-growth",
      [](ScriptLine& l) -> Action {
          return ExpectMemoryGrowth{l.integer(QStringLiteral("KILOBYTES"), 0, mostKilobytes)};
@@ -258,7 +277,7 @@ bool hasLimit(const Action& action) {
     if (const auto* step = std::get_if<FrameStep>(&action)) {
         return !std::holds_alternative<ExpectText>(*step);
     }
-    return std::holds_alternative<WaitRequest>(action) ||
+    return std::holds_alternative<WaitRequest>(action) || std::holds_alternative<WaitLog>(action) ||
            std::holds_alternative<WaitConnection>(action) ||
            std::holds_alternative<WaitExit>(action) || std::holds_alternative<Finger>(action);
 }

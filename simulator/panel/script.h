@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fault.h"
+#include "registers.h"
 
 #include <QByteArray>
 #include <QString>
@@ -55,6 +56,9 @@ struct WaitTime {
     Milliseconds duration{};
 };
 struct WaitRequest { // until the server has got a request since the last wait or mark; a pattern
+    QString pattern;
+};
+struct WaitLog { // until the application has written a line since the last wait or mark; a pattern
     QString pattern;
 };
 struct WaitConnection { // until the server has (or has no) client
@@ -114,17 +118,25 @@ struct ExpectRequests { // exactly these since the mark; patterns
 struct ExpectNoRequest { // none like this since the mark; a pattern
     QString pattern;
 };
+struct ExpectLog { // the application has written exactly these lines since the mark; patterns
+    QStringList patterns;
+};
+struct ExpectRegister { // of the controller, taken as a signed number
+    controller::Register id{};
+    std::int32_t value = 0;
+};
 struct ExpectMemoryGrowth { // of the application since the mark
     int atMostKilobytes = 0;
 };
 struct Report {};
 struct End {};
 
-using Action = std::variant<FrameStep, WaitTime, WaitRequest, WaitConnection, WaitExit, Finger,
-                            ServerSwitch, ServerValues, ServerFault, ServerReply, ServerParams,
-                            ApplicationSwitch, BoardTransfers, ControllerIdentity,
-                            ControllerAnswering, CoprocessorStalled, AllowComplaint, Mark,
-                            ExpectRequests, ExpectNoRequest, ExpectMemoryGrowth, Report, End>;
+using Action =
+    std::variant<FrameStep, WaitTime, WaitRequest, WaitLog, WaitConnection, WaitExit, Finger,
+                 ServerSwitch, ServerValues, ServerFault, ServerReply, ServerParams,
+                 ApplicationSwitch, BoardTransfers, ControllerIdentity, ControllerAnswering,
+                 CoprocessorStalled, AllowComplaint, Mark, ExpectRequests, ExpectNoRequest,
+                 ExpectLog, ExpectRegister, ExpectMemoryGrowth, Report, End>;
 
 struct Statement {
     int line = 0; // in the script, from 1

@@ -27,9 +27,8 @@ bool isAsAwaited(const script::WaitExit& wait, const ProcessEnd& end) {
     return !wait.status || (!end.bySignal && end.code == *wait.status);
 }
 
-bool sameRequests(const QStringList& patterns, const QStringList& requests) {
-    return std::equal(patterns.begin(), patterns.end(), requests.begin(), requests.end(),
-                      matchesPattern);
+bool sameLines(const QStringList& patterns, const QStringList& lines) {
+    return std::equal(patterns.begin(), patterns.end(), lines.begin(), lines.end(), matchesPattern);
 }
 
 } // namespace
@@ -52,6 +51,9 @@ public:
     }
     Progress operator()(const script::WaitRequest& wait) const {
         return doneIf(m_rig.requests().take(wait.pattern));
+    }
+    Progress operator()(const script::WaitLog& wait) const {
+        return doneIf(m_rig.log().take(wait.pattern));
     }
     Progress operator()(const script::WaitConnection& wait) const {
         return doneIf((m_rig.server().connections() > 0) == wait.connected);
@@ -164,12 +166,13 @@ public:
     }
     Progress operator()(const script::Mark& /*mark*/) const {
         m_rig.requests().mark();
+        m_rig.log().mark();
         m_session.m_markedKilobytes = m_rig.application().residentKilobytes();
         return Progress::Done;
     }
     Progress operator()(const script::ExpectRequests& expected) const {
         const QStringList requests = m_rig.requests().since(expected.withData);
-        if (!sameRequests(expected.patterns, requests)) {
+        if (!sameLines(expected.patterns, requests)) {
             m_session.failStatement(ExitStatus::NotMet,
                                     QStringLiteral("the requests were %1").arg(quoted(requests)));
         }
@@ -181,6 +184,21 @@ public:
                 m_session.failStatement(ExitStatus::NotMet,
                                         QStringLiteral("there was \"%1\"").arg(request));
             }
+        }
+        return Progress::Done;
+    }
+    Progress operator()(const script::ExpectLog& expected) const {
+        const QStringList lines = m_rig.log().since();
+        if (!sameLines(expected.patterns, lines)) {
+            m_session.failStatement(ExitStatus::NotMet,
+                                    QStringLiteral("the lines were %1").arg(quoted(lines)));
+        }
+        return Progress::Done;
+    }
+    Progress operator()(const script::ExpectRegister& expected) const {
+        const std::int32_t value = m_rig.module().registerValue(expected.id);
+        if (value != expected.value) {
+            m_session.failStatement(ExitStatus::NotMet, QStringLiteral("it holds %1").arg(value));
         }
         return Progress::Done;
     }

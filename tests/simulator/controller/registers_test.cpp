@@ -52,6 +52,11 @@ TEST(Registers, AreFoundByAddressInTheirGeneration) {
     EXPECT_EQ(registerAt(Generation::E2, 0x303000), nullptr);
 }
 
+TEST(Registers, AreFoundByName) {
+    EXPECT_EQ(registerNamed("REG_TOUCH_TRANSFORM_A"), Register::TouchTransformA);
+    EXPECT_EQ(registerNamed("REG_NOTHING"), std::nullopt);
+}
+
 TEST(Registers, OnlySomeGenerationsHaveTheLaterOnes) {
     EXPECT_EQ(registerAt(Generation::E2, 0x3025F0), nullptr);
     EXPECT_NE(registerAt(Generation::E3, 0x3025F0), nullptr);

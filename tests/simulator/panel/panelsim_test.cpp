@@ -177,6 +177,15 @@ TEST_F(Panelsim, PassesTheApplicationsOutputOn) {
     expectContains(ended.error, "application: to error\n");
 }
 
+TEST_F(Panelsim, KnowsWhatTheApplicationHasWritten) {
+    const QByteArray application = "echo one >&2; echo two >&2; exec sleep 100";
+    EXPECT_EQ(play("wait log one\nmark\n", application).status, 0);
+    const Outcome ended = play("wait log one\nwait log two\nexpect log o*\n", application);
+    EXPECT_EQ(ended.status, 5);
+    expectContains(ended.error, "the lines were \"one\", \"two\"");
+    EXPECT_EQ(play("wait log three within 100ms\n", application).status, 5);
+}
+
 TEST_F(Panelsim, TellsWhenTheApplicationCannotBeStarted) {
     const Outcome ended = run({"--no-server", "--app", "/no/such/program"});
     EXPECT_EQ(ended.status, 12);

@@ -55,6 +55,7 @@ TEST(Script, WaitsForTextAndItsEnd) {
 
 TEST(Script, WaitsForRequestsAndConnections) {
     EXPECT_EQ(only<WaitRequest>("wait request \"START *\"").pattern, "START *");
+    EXPECT_EQ(only<WaitLog>("wait log \"start *\"").pattern, "start *");
     EXPECT_TRUE(only<WaitConnection>("wait connection").connected);
     EXPECT_FALSE(only<WaitConnection>("wait no-connection").connected);
 }
@@ -123,6 +124,10 @@ TEST(Script, MarksExpectsAndReports) {
     EXPECT_FALSE(requests.withData);
     EXPECT_TRUE(only<ExpectRequests>("expect all-requests DATA?").withData);
     EXPECT_EQ(only<ExpectNoRequest>("expect no-request STOP").pattern, "STOP");
+    EXPECT_EQ(only<ExpectLog>("expect log one \"two *\"").patterns, QStringList({"one", "two *"}));
+    const auto held = only<ExpectRegister>("expect register REG_TOUCH_TRANSFORM_C -591770");
+    EXPECT_EQ(held.id, controller::Register::TouchTransformC);
+    EXPECT_EQ(held.value, -591770);
     EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 64").atMostKilobytes, 64);
 }
 
