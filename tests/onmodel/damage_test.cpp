@@ -13,7 +13,6 @@
 namespace {
 
 using controller::Generation;
-using modelboard::controller;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t ringBytes = 4096;

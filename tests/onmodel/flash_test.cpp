@@ -18,6 +18,7 @@ using testing::HasSubstr;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t mebibyte = 1048576;
+constexpr std::size_t sectorSize = 4096;
 constexpr std::uint8_t erased = 0xFF;
 constexpr std::uint32_t scratch = 0x40000; // in general memory
 
@@ -144,7 +145,7 @@ TEST_F(FlashOnModel, ReadsFromEveryMultipleOf64) {
 // --- update
 
 TEST_F(FlashOnModel, UpdateOfAHundredBytesUpdatesASector) {
-    program(0, Bytes(3 * 4096, 0x11));
+    program(0, Bytes(3 * sectorSize, 0x11));
     const Bytes data = pattern(4096, 9);
     Gpu_Hal_WrMem(&host, scratch, data.data(), 4096);
     EXPECT_EQ(Gpu_CoCmd_FlashHelper_Update(&host, 4096, scratch, 100), Flash_Cmd_Ok);
@@ -154,7 +155,7 @@ TEST_F(FlashOnModel, UpdateOfAHundredBytesUpdatesASector) {
 }
 
 TEST_F(FlashOnModel, UpdateOfFiveThousandBytesUpdatesTwoSectors) {
-    program(0, Bytes(3 * 4096, 0x11));
+    program(0, Bytes(3 * sectorSize, 0x11));
     const Bytes data = pattern(8192, 9);
     Gpu_Hal_WrMem(&host, scratch, data.data(), 8192);
     EXPECT_EQ(Gpu_CoCmd_FlashHelper_Update(&host, 0, scratch, 5000), Flash_Cmd_Ok);
@@ -163,7 +164,7 @@ TEST_F(FlashOnModel, UpdateOfFiveThousandBytesUpdatesTwoSectors) {
 }
 
 TEST_F(FlashOnModel, UpdateOfWholeSectorsUpdatesJustThose) {
-    program(0, Bytes(3 * 4096, 0x11));
+    program(0, Bytes(3 * sectorSize, 0x11));
     const Bytes data(8192, 0x22);
     Gpu_Hal_WrMem(&host, scratch, data.data(), 8192);
     EXPECT_EQ(Gpu_CoCmd_FlashHelper_Update(&host, 0, scratch, 8192), Flash_Cmd_Ok);

@@ -14,7 +14,6 @@ namespace {
 
 using controller::Generation;
 using controller::Picture;
-using modelboard::controller;
 using testing::AllOf;
 using testing::Gt;
 using testing::Le;
@@ -103,6 +102,12 @@ protected:
         m_playing = true;
         App_Show_Logo(&host);
         m_playing = false;
+    }
+
+    void TearDown() override {
+        for (const auto& [number, kept] : m_pictures) {
+            keepOnFailure(kept, "logo-" + std::to_string(number) + '-' + nameOf(GetParam()));
+        }
     }
 
     const Picture& frame(int number) const { return m_pictures.at(number); }

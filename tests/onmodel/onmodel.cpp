@@ -73,10 +73,13 @@ std::vector<std::string> OnModel::takeComplaints() {
     return taken;
 }
 
-void OnModel::keepPicture(const std::string& name) {
+void OnModel::keepOnFailure(const controller::Picture& picture, const std::string& name) {
+    if (!HasFailure()) {
+        return;
+    }
     std::ofstream file(name + ".ppm", std::ios::binary);
-    file << "P6\n" << picture().width << ' ' << picture().height << "\n255\n";
-    for (const std::uint32_t pixel : picture().pixels) {
+    file << "P6\n" << picture.width << ' ' << picture.height << "\n255\n";
+    for (const std::uint32_t pixel : picture.pixels) {
         file.put(static_cast<char>(pixel >> 16)).put(static_cast<char>(pixel >> 8));
         file.put(static_cast<char>(pixel));
     }

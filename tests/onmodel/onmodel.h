@@ -58,9 +58,9 @@ protected:
 
     static const controller::Picture& picture() { return modelboard::controller().frame().picture; }
 
-    // Keeps what the panel shows as NAME.ppm beside the tests, for the eyes of whoever looks into
-    // a failure.
-    static void keepPicture(const std::string& name);
+    // Keeps a picture as NAME.ppm in the working directory if the test has failed, for the eyes of
+    // whoever looks into that.
+    static void keepOnFailure(const controller::Picture& picture, const std::string& name);
 
     Gpu_Hal_Context_t host{};
 

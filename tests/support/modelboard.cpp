@@ -40,8 +40,8 @@ controller::Nanoseconds now() {
     return clockTime;
 }
 
-void pass(controller::Nanoseconds duration) {
-    const controller::Nanoseconds end = clockTime + duration;
+void pass(controller::Nanoseconds time) {
+    const controller::Nanoseconds end = clockTime + time;
     while (!due.empty() && due.begin()->first <= end) {
         clockTime = std::max(clockTime, due.begin()->first);
         fitted->advance(clockTime);
