@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Draws the stored pictures of the screens (tests/system/pictures) anew, with whatever the panel and
-# the virtual instrument now make of them. Look at them before you commit: git diff shows which
+# the virtual instrument now make of them. Look at them before you commit: git status tells which
 # have changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -17,4 +17,3 @@ for script in "${scripts[@]}"; do
     echo "==> $script"
     build/release/bin/panelsim --headless --script "$script" --compare "$pictures" --renew
 done
-git status --short "$pictures"
