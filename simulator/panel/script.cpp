@@ -177,7 +177,8 @@ const Command commands[] = {
     {"server params", parseServerParams, "T L0 L1 L2 L3",
      "its time constant, seconds, and trigger levels, volts"},
     {"application start", [](ScriptLine&) -> Action { return ApplicationSwitch{true}; }, "",
-     "start it (again)"},
+     "start it (again); until it has come up, the panel\n"
+     "shows what the last run left"},
     {"application kill", [](ScriptLine&) -> Action { return ApplicationSwitch{false}; }, "",
      "kill it"},
     {"board transfers",

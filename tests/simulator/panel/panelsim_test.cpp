@@ -223,6 +223,33 @@ TEST_F(Panelsim, TellsWhenAFileCannotBeWritten) {
         8);
 }
 
+// Sends a host command that there is none, twice, so that the end of the first is seen for sure.
+constexpr const char* sendNonsense =
+    "exec " BOARD_PROGRAM " init open CS1 PD1 CS0 'send=z  ' CS1 CS0 'send=z  ' CS1";
+
+TEST_F(Panelsim, TellsWhatTheControllerComplainsAbout) {
+    const Outcome ended = play("wait exit 0\nwait time 100s\n", sendNonsense);
+    EXPECT_EQ(ended.status, 10);
+    expectContains(ended.error, "panelsim: controller: unknown host command");
+    expectContains(ended.error, "panelsim: controller, 2 times: unknown host command");
+}
+
+TEST_F(Panelsim, AllowedComplaintsAreNoFailure) {
+    const Outcome ended =
+        play("allow complaint \"unknown host command*\"\nwait exit 0\n", sendNonsense);
+    EXPECT_EQ(ended.status, 0) << ended.error;
+}
+
+TEST_F(Panelsim, TracesTheBus) {
+    const Outcome ended = play("allow complaint *\nwait exit 0\n", sendNonsense,
+                               {"--no-server", "--trace", path("trace"), "--stats"});
+    EXPECT_EQ(ended.status, 0) << ended.error;
+    expectContains(ended.out, "spi-messages: 2\nspi-bytes: 6\n");
+    QFile trace(path("trace"));
+    ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
+    EXPECT_EQ(trace.readLine().mid(12), QByteArray("H 0x7A 0x20\n"));
+}
+
 TEST_F(Panelsim, ScreenshotsAreComparedWithStoredPictures) {
     const QByteArray script = "screenshot dark now\n";
     const QStringList compare{"--no-server", "--compare", path("stored")};
