@@ -11,9 +11,7 @@ namespace panel {
 namespace {
 
 std::uint32_t read(const controller::Controller& controller, controller::Register id) {
-    const controller::RegisterInfo& info = controller::registerInfo(id);
-    return controller.peek32(
-        controller.generation() == controller::Generation::E1 ? info.addressE1 : info.addressE2);
+    return controller.peek32(controller::registerInfo(id).address(controller.generation()));
 }
 
 QStringList textsOnPanel(const controller::Controller& controller) {
