@@ -40,7 +40,7 @@ private:
 void counterRedrawTraffic(benchmark::State& state) {
     ShownCounterScreen screen;
     idleboard::reset();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         screen.redraw();
     }
     const auto traffic = idleboard::traffic();
@@ -63,7 +63,7 @@ BENCHMARK(counterRedrawBesideQPainter)->UseManualTime();
 
 void registryLookup(benchmark::State& state) {
     DisplaySettings* settings = DisplaySettings::getInstance();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize((*settings)[QStringLiteral("__REG_CMD_WRITE")]);
     }
 }

@@ -54,7 +54,7 @@ BENCHMARK(modelFrameBesideQPainter)->UseManualTime()->Unit(benchmark::kMilliseco
 
 void modelAt60FramesPerSecond(benchmark::State& state) {
     CounterScreenOnModel screen;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         screen.drawFrame();
     }
     state.counters["cores_at_60fps"] =

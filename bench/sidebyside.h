@@ -11,7 +11,7 @@ void compareSideBySide(benchmark::State& state, const char* ratioName, First fir
     using Clock = std::chrono::steady_clock;
     std::chrono::duration<double> firstTime{0};
     std::chrono::duration<double> secondTime{0};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const auto start = Clock::now();
         first();
         const auto between = Clock::now();

@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 
 log=build/clang-tidy.log
 if ! run-clang-tidy -quiet -p build/release -j "$(nproc)" "^$PWD/(?!build/)" >"$log" 2>&1; then
-    grep -E '(warning|error):' "$log" | sort -u
+    sed 's/\x1b\[[0-9;]*m//g' "$log" | grep -E '(warning|error):' | sort -u
     echo "clang-tidy found something: the whole report is in $log" >&2
     exit 1
 fi

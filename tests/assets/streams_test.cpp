@@ -11,8 +11,9 @@ std::vector<std::uint8_t> pixelsOf(const std::array<unsigned char, N>& stream) {
 }
 
 // Alpha of pixel (x, y) in an ARGB4 picture.
-int alpha(const std::vector<std::uint8_t>& pixels, int width, int x, int y) {
-    return pixels[static_cast<std::size_t>(2 * (y * width + x) + 1)] >> 4;
+int alpha(const std::vector<std::uint8_t>& pixels, std::size_t width, std::size_t x,
+          std::size_t y) {
+    return pixels[2 * (y * width + x) + 1] >> 4;
 }
 
 TEST(Streams, LogoInflatesTo470By85PixelsOfTwoBytes) {
@@ -38,7 +39,7 @@ TEST(Streams, EveryLogoPieceHasFullInkSomewhere) {
 TEST(Streams, DerivativeIconHasItsFractionBarAcrossTheMiddle) {
     const auto pixels = pixelsOf(assets::derivativeIcon);
     ASSERT_EQ(pixels.size(), 1008U);
-    for (int x = 1; x < 17; ++x) {
+    for (std::size_t x = 1; x < 17; ++x) {
         EXPECT_EQ(alpha(pixels, 18, x, 13), 15) << x;
     }
     EXPECT_EQ(alpha(pixels, 18, 0, 0), 0);

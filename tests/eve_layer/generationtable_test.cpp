@@ -173,7 +173,7 @@ TEST(GenerationTable, KeepsAddressesInTheWindowOfTheirGeneration) {
         EXPECT_TRUE(row.values[0].value_or(0x102400) >= 0x102400 &&
                     row.values[0].value_or(0x102400) < 0x110000)
             << text(row.name);
-        for (const std::size_t generation : {1, 2}) {
+        for (const std::size_t generation : {1U, 2U}) {
             EXPECT_TRUE(row.values[generation].value_or(0x302000) >= 0x302000 &&
                         row.values[generation].value_or(0x302000) < 0x310000)
                 << text(row.name);

@@ -29,7 +29,7 @@ private:
         }
         const bool writing = (sent[0] & 0xC0U) == 0x80U;
         (writing ? m_writes : m_reads)
-            .push_back((sent[0] & 0x3FU) << 16U | sent[1] << 8U | sent[2]);
+            .push_back((sent[0] & 0x3FU) << 16U | std::uint32_t{sent[1]} << 8U | sent[2]);
     }
 
     std::vector<std::uint32_t> m_reads;

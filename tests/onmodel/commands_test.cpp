@@ -261,7 +261,7 @@ protected:
         SCOPED_TRACE(command.name);
         const std::uint32_t start = host.cmd_write_offset;
         command.send(&host);
-        for (const controller::Nanoseconds at : {100, 300, 500}) { // for CALIBRATE
+        for (const controller::Nanoseconds at : {100U, 300U, 500U}) { // for CALIBRATE
             tapAfter(milliseconds(at), 48 + static_cast<int>(at) / 2, at == 300 ? 200 : 27);
         }
         complete();
