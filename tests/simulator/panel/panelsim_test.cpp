@@ -182,7 +182,7 @@ TEST_F(Panelsim, KnowsWhatTheApplicationHasWritten) {
     EXPECT_EQ(play("wait log one\nmark\n", application).status, 0);
     const Outcome ended = play("wait log one\nwait log two\nexpect log o*\n", application);
     EXPECT_EQ(ended.status, 5);
-    expectContains(ended.error, "the lines were \"one\", \"two\"");
+    expectContains(ended.error, R"(the lines were "one", "two")");
     EXPECT_EQ(play("wait log three within 100ms\n", application).status, 5);
 }
 
