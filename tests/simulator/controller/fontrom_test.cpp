@@ -45,8 +45,8 @@ const std::uint8_t* at(const RomImage& rom, std::uint32_t address) {
 
 std::uint32_t wordAt(const RomImage& rom, std::uint32_t address) {
     const std::uint8_t* bytes = at(rom, address);
-    return bytes[0] | bytes[1] << 8U | bytes[2] << 16U |
-           static_cast<std::uint32_t>(bytes[3]) << 24U;
+    return bytes[0] | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U |
+           std::uint32_t{bytes[3]} << 24U;
 }
 
 // Ink of one pixel of a character: 0 to 1 (L1) or 15 (L4).
