@@ -4,6 +4,7 @@
 #include "Gpu_Hal.h"
 #include "commandlisting.h"
 #include "displaysettings.h"
+#include "ftwidget.h"
 #include "recordingboard.h"
 
 #include <gtest/gtest.h>
@@ -45,4 +46,22 @@ protected:
     }
 
     Gpu_Hal_Context_t host;
+};
+
+// Tests of a screen that stays and can be touched.
+class TouchedScreenTest : public ScreenTest {
+protected:
+    virtual FTWidget& touchedScreen() = 0;
+
+    void show() {
+        touchedScreen().exec();
+        drawn();
+    }
+
+    // What a pass draws with the finger on `tag`, 0 for none.
+    std::string passTouching(std::uint32_t tag) {
+        touch(tag);
+        touchedScreen().loop();
+        return drawn();
+    }
 };

@@ -96,19 +96,9 @@ std::string values(const std::string& v0, const std::string& v1, const std::stri
 
 const std::string zeros = values("     0", "     0", "     0", "     0");
 
-class CounterWidgetTest : public ScreenTest {
+class CounterWidgetTest : public TouchedScreenTest {
 protected:
-    // What a pass draws with the finger on `tag`, 0 for none.
-    std::string passTouching(std::uint32_t tag) {
-        touch(tag);
-        screen.loop();
-        return drawn();
-    }
-
-    void show() {
-        screen.exec();
-        drawn();
-    }
+    FTWidget& touchedScreen() override { return screen; }
 
     CounterWidget screen{&host};
     QSignalSpy start{&screen, &CounterWidget::start};

@@ -68,18 +68,9 @@ std::string values(const std::array<std::string, 5>& texts) {
 
 const std::string zeros = values({"0 sec", "0 mV", "0 mV", "0 mV", "0 mV"});
 
-class OptionWidgetTest : public ScreenTest {
+class OptionWidgetTest : public TouchedScreenTest {
 protected:
-    std::string passTouching(std::uint32_t tag) {
-        touch(tag);
-        screen.loop();
-        return drawn();
-    }
-
-    void show() {
-        screen.exec();
-        drawn();
-    }
+    FTWidget& touchedScreen() override { return screen; }
 
     // Taps a "Set" button, then the keys of `keys` on the keypad, and after them the tag `last`.
     // Returns what the screen draws in the end.

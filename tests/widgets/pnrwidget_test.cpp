@@ -93,22 +93,13 @@ DataReaderData sampleOf(double b0, double b1, double b2, double b3) {
     return {{b0 + b1 + b2 + b3, b1 + b2 + b3, b2 + b3, b3}};
 }
 
-class PNRWidgetTest : public ScreenTest {
+class PNRWidgetTest : public TouchedScreenTest {
 protected:
-    std::string passTouching(std::uint32_t tag) {
-        touch(tag);
-        screen.loop();
-        return drawn();
-    }
+    FTWidget& touchedScreen() override { return screen; }
 
     void tap(std::uint32_t tag) {
         passTouching(tag);
         passTouching(0);
-    }
-
-    void show() {
-        screen.exec();
-        drawn();
     }
 
     // What the next pass draws once this sample has come.
