@@ -1,12 +1,15 @@
 // The program's screens on the controllers of all generations that they run on.
 
 #include "displaysettings.h"
+#include "logowidget.h"
 #include "onmodel.h"
 #include "screens.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <set>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -52,6 +55,48 @@ TEST_P(ScreensOnModel, LookTheSameOnEveryGeneration) {
         }
     }
     keepOnFailure(onE3, GetParam().name + "-E3");
+}
+
+class StartLogoOnModel : public OnModel, public testing::WithParamInterface<Generation> {
+protected:
+    // What the panel showed last of each list that the start-up screen has swapped in.
+    std::vector<Picture> play() {
+        bringUp(GetParam());
+        modelboard::pass(milliseconds(50));
+        m_shown.clear();
+        LogoWidget(&host).exec();
+        modelboard::pass(milliseconds(50));
+        return m_shown;
+    }
+
+private:
+    void listSwapped(controller::Nanoseconds /*now*/) override { m_shown.emplace_back(); }
+
+    void frameScanned(std::uint32_t /*number*/, controller::Nanoseconds /*now*/) override {
+        if (!m_shown.empty()) {
+            m_shown.back() = picture();
+        }
+    }
+
+    std::vector<Picture> m_shown;
+};
+
+INSTANTIATE_TEST_SUITE_P(Generations, StartLogoOnModel,
+                         testing::Values(Generation::E2, Generation::E3),
+                         [](const auto& generation) { return nameOf(generation.param); });
+
+// The screen ends with a swap of its own, which brings the list before the last back.
+TEST_P(StartLogoOnModel, StaysWholeUntilTheNextScreen) {
+    constexpr std::size_t frames = 15 + 9;
+    const std::vector<Picture> shown = play();
+    ASSERT_GT(shown.size(), frames);
+    const Picture& whole = shown[frames - 1];
+    EXPECT_FALSE(shown[frames - 3] == whole); // it is still being uncovered
+    for (std::size_t list = frames; list < shown.size(); ++list) {
+        EXPECT_TRUE(shown[list] == whole) << list;
+        keepOnFailure(shown[list], "start-logo-" + std::to_string(list));
+    }
+    keepOnFailure(whole, "start-logo");
 }
 
 } // namespace
