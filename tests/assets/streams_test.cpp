@@ -34,6 +34,15 @@ public:
         return false;
     }
 
+    bool isInkedRow(std::size_t y) const {
+        for (std::size_t x = 0; x < width(); ++x) {
+            if (alpha(x, y) > 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
 private:
     std::size_t at(std::size_t x, std::size_t y) const { return 2 * (y * m_width + x); }
 
@@ -115,10 +124,35 @@ TEST(Streams, EveryLogoPieceHasFullInkSomewhere) {
 TEST(Streams, DerivativeIconHasItsFractionBarAcrossTheMiddle) {
     const Picture icon(assets::derivativeIcon, 18);
     ASSERT_EQ(icon.height(), 28U);
-    for (std::size_t x = 1; x < 17; ++x) {
-        EXPECT_EQ(icon.alpha(x, 13), 15) << x;
+    for (std::size_t x = 0; x < 14; ++x) {
+        for (const std::size_t y : {13U, 14U}) {
+            EXPECT_EQ(icon.alpha(x, y), 15) << x << ", " << y;
+        }
+        EXPECT_EQ(icon.alpha(x, 12), 0) << x;
+        EXPECT_EQ(icon.alpha(x, 15), 0) << x;
     }
-    EXPECT_EQ(icon.alpha(0, 0), 0);
+}
+
+TEST(Streams, DerivativeIconIsInTheMiddleOfItsButton) {
+    // The button of 40 x 40 pixels begins at (10, 8), the icon at (23, 14).
+    constexpr std::size_t middleColumn = 10 + 40 / 2 - 23;
+    constexpr std::size_t middleRow = 8 + 40 / 2 - 14;
+    const Picture icon(assets::derivativeIcon, 18);
+    std::vector<std::size_t> columns;
+    for (std::size_t x = 0; x < icon.width(); ++x) {
+        if (icon.isInkedColumn(x)) {
+            columns.push_back(x);
+        }
+    }
+    std::vector<std::size_t> rows;
+    for (std::size_t y = 0; y < icon.height(); ++y) {
+        if (icon.isInkedRow(y)) {
+            rows.push_back(y);
+        }
+    }
+    ASSERT_FALSE(columns.empty());
+    EXPECT_EQ(columns.front() + columns.back() + 1, 2 * middleColumn);
+    EXPECT_EQ(rows.front() + rows.back() + 1, 2 * middleRow);
 }
 
 TEST(Streams, IntegralIconIsDarkInkOnTransparentGround) {
