@@ -9,7 +9,10 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -22,8 +25,8 @@ constexpr double minTimeConst = 0.01; // seconds
 constexpr double maxTimeConst = 10.0; // seconds
 // From this interval on a poll need not be punctual to the millisecond.
 constexpr int coarseTimerFromMs = 2000;
-// 23 days. Qt's coarse timers overflow when they round an interval close to the largest int.
-constexpr double longestIntervalMs = 2e9;
+// What a server that keeps on reporting no time constant is polled with: the shortest there is.
+constexpr int restlessIntervalMs = 10;
 
 const QString paramsCommand = QStringLiteral("PARAMS?\n");
 const QString dataCommand = QStringLiteral("DATA?\n");
@@ -77,7 +80,8 @@ bool DataReader::connectToServer() {
     return m_socket->state() == QAbstractSocket::ConnectedState;
 }
 
-QString DataReader::tcpIpQuery(const QString& command, int waitMs, bool* ok) {
+// NOLINTNEXTLINE(performance-unnecessary-value-param): part of the class's face.
+QString DataReader::tcpIpQuery(QString command, int waitMs, bool* ok) {
     // A connection that is closing still takes the request.
     const bool writable = connectToServer() || m_socket->state() == QAbstractSocket::ClosingState;
     if (!writable) {
@@ -123,6 +127,7 @@ void DataReader::start() {
         const QString reply = tcpIpQuery(startCommand(m_params.timeConst), replyWaitMs, &ok);
         if (ok && reply.contains(QLatin1String("Ok"))) {
             m_stopped = false;
+            m_armedAtOnce = false;
             qDebug() << "start" << pollIntervalMs();
             armUpdateData();
             return;
@@ -165,17 +170,25 @@ void DataReader::closeConnection() {
     m_socket->abort();
 }
 
-// The time constant in whole milliseconds, truncated. A server may report anything: what no timer
-// can be armed with becomes the nearest interval that it can.
+// The time constant in whole milliseconds, truncated. A server may report anything: what no int
+// holds becomes the nearest that one does.
 int DataReader::pollIntervalMs() const {
+    using Limits = std::numeric_limits<int>;
     const double intervalMs = m_params.timeConst * 1000.0;
-    if (!(intervalMs > 0.0)) // also not a number
+    if (std::isnan(intervalMs))
         return 0;
-    return static_cast<int>(std::min(intervalMs, longestIntervalMs));
+    return static_cast<int>(std::clamp<double>(intervalMs, Limits::lowest(), Limits::max()));
 }
 
+// Qt arms nothing for a negative interval, with a warning of its own: the polling ends then, until
+// the next start. An interval of 0 is a call at the next pass of the event loop. A server that
+// answers quickly and always reports 0 would be polled some ten thousand times a second, at the
+// expense of all that runs beside it, so only the first of such polls comes at once.
 void DataReader::armUpdateData() {
-    const int intervalMs = pollIntervalMs();
+    int intervalMs = pollIntervalMs();
+    const bool atOnce = intervalMs == 0;
+    if (std::exchange(m_armedAtOnce, atOnce) && atOnce)
+        intervalMs = restlessIntervalMs;
     const Qt::TimerType type = intervalMs >= coarseTimerFromMs ? Qt::CoarseTimer : Qt::PreciseTimer;
     QTimer::singleShot(intervalMs, type, this, &DataReader::updateData);
 }

@@ -43,7 +43,7 @@ public:
     // Returns everything that has arrived by then, up to the first NUL byte; empty if nothing has,
     // and null if the server can't be reached, in which case nothing is written. `ok`, unless it
     // is null, tells whether an answer arrived in time.
-    QString tcpIpQuery(const QString& command, int waitMs, bool* ok);
+    QString tcpIpQuery(QString command, int waitMs, bool* ok);
 
     // Reads the parameters from the server and emits paramsUpdated.
     void updateParams();
@@ -80,6 +80,8 @@ signals:
 public slots:
     // One polling step: reads a sample, emits dataUpdated and asks to be called again one time
     // constant later, also when the reply was of no use. Does nothing while no run is active.
+    // With a time constant of 0 the next step comes at once, but while 0 is all that the server
+    // reports, every 10 ms; a negative one ends the polling until the next start.
     void updateData();
 
 private:
@@ -90,5 +92,6 @@ private:
     QTimer* m_timer; // never started: polling runs on one-shot timers
     DataReaderParams m_params{};
     DataReaderData m_data{};
-    bool m_stopped = true; // no measurement run is active
+    bool m_stopped = true;      // no measurement run is active
+    bool m_armedAtOnce = false; // the step armed last was to come after 0 ms
 };

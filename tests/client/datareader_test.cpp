@@ -1,20 +1,22 @@
 #include "datareader.h"
 #include "debuglog.h"
+#include "patientsocket.h"
 #include "qtprinting.h"
 #include "scriptedserver.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QNetworkProxy>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <type_traits>
@@ -22,11 +24,10 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
-using testing::Field;
-using testing::Gt;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
@@ -127,6 +128,8 @@ protected:
 
 class DataReaderWithoutServerTest : public testing::Test {
 protected:
+    DataReaderWithoutServerTest() { socketWaits = {}; }
+
     DataReader client;
     DebugLog log;
 };
@@ -135,6 +138,8 @@ protected:
 
 static_assert(std::is_trivially_copyable_v<DataReaderParams>);
 static_assert(std::is_trivially_copyable_v<DataReaderData>);
+static_assert(std::is_same_v<decltype(&DataReader::tcpIpQuery),
+                             QString (DataReader::*)(QString, int, bool*)>);
 
 TEST(DataReaderMetaObjectTest, HasTwoSignalsAndOneSlotInThisOrder) {
     const QMetaObject& meta = DataReader::staticMetaObject;
@@ -161,6 +166,12 @@ TEST_F(DataReaderTest, SocketNeverConsultsAProxy) {
 TEST_F(DataReaderWithoutServerTest, ConnectingFailsWithoutAServer) {
     EXPECT_FALSE(client.connectToServer());
     EXPECT_FALSE(client.isSocketReady());
+}
+
+TEST_F(DataReaderWithoutServerTest, ConnectingWaitsTenSecondsAtMost) {
+    client.connectToServer();
+    EXPECT_THAT(socketWaits.forConnections, ElementsAre(10000));
+    EXPECT_THAT(socketWaits.forReplies, IsEmpty());
 }
 
 TEST_F(DataReaderWithoutServerTest, QueryGivesANullReplyAndNotOk) {
@@ -217,6 +228,26 @@ TEST_F(DataReaderTest, RequestAfterCloseConnectionOpensItAgain) {
     EXPECT_EQ(server.connections(), 2);
 }
 
+TEST_F(DataReaderTest, CloseConnectionDropsWhatCouldNotBeSentYet) {
+    client->updateParams(); // by then the server has accepted
+    server.setReading(false);
+    socket()->write(QByteArray(64 * 1024 * 1024, 'x'));
+    client->closeConnection();
+    EXPECT_EQ(socket()->state(), QAbstractSocket::UnconnectedState);
+}
+
+TEST_F(DataReaderTest, CloseConnectionDropsWhatAServerLeftBehindThatHungUp) {
+    server.answer("PARAMS?", {goodParams});
+    client->updateParams();
+    server.send("left behind");
+    ASSERT_TRUE(waitForBytes(11));
+    server.hangUp();
+    ASSERT_TRUE(runUntil([this] { return !client->isSocketReady(); }));
+    client->closeConnection();
+    EXPECT_FALSE(socket()->isOpen());
+    EXPECT_EQ(socket()->bytesAvailable(), 0);
+}
+
 TEST_F(DataReaderTest, RequestAfterTheServerHungUpOpensTheConnectionAgain) {
     server.answer("PARAMS?", {goodParams});
     client->updateParams();
@@ -259,14 +290,28 @@ TEST_F(DataReaderTest, QueryReturnsTheReplyAndOk) {
     EXPECT_THAT(server.requests(), ElementsAre("PARAMS?\n"));
 }
 
-TEST_F(DataReaderTest, QueryWaitsItsTimeForAReplyThatNeverComes) {
-    QElapsedTimer timer;
-    timer.start();
+TEST_F(DataReaderTest, QueryWaitsAsLongAsItIsToldForAReplyThatNeverComes) {
     bool ok = true;
-    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", 50, &ok), "");
+    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", 123, &ok), "");
     EXPECT_FALSE(ok);
-    EXPECT_GE(timer.elapsed(), 49); // Qt may round down
-    EXPECT_LT(timer.elapsed(), patienceMs);
+    EXPECT_THAT(socketWaits.forReplies, ElementsAre(123));
+}
+
+TEST_F(DataReaderTest, EveryRequestWaitsFiftyMillisecondsForItsReply) {
+    startLongRun(); // PARAMS?, START
+    client->updateData();
+    client->setTriggerLevel(0, 0.1); // DAC, PARAMS?
+    client->setTimeConst(1);
+    client->stop();
+    EXPECT_THAT(server.requests(), SizeIs(7));
+    EXPECT_THAT(socketWaits.forReplies, AllOf(SizeIs(7), Each(50)));
+    EXPECT_THAT(socketWaits.forConnections, ElementsAre(10000));
+}
+
+TEST_F(DataReaderTest, OnlyTheStopBehindATimeConstantIsNotWaitedFor) {
+    client->setTimeConst(1);
+    EXPECT_THAT(server.waitForRequests(2), ElementsAre("START 1\n", "STOP\n"));
+    EXPECT_THAT(socketWaits.forReplies, ElementsAre(50, 0));
 }
 
 TEST_F(DataReaderTest, QueryDecodesUtf8) {
@@ -502,19 +547,111 @@ TEST_F(DataReaderTest, PollsFollowTheSameTimerRule) {
                                                     ArmedTimer{1999, Qt::PreciseTimer}));
 }
 
-TEST_F(DataReaderTest, NegativeTimeConstantPollsAtOnce) {
+TEST_F(DataReaderTest, OnlyTheFirstOfPollsWithoutATimeConstantComesAtOnce) {
     startLongRun();
-    server.answer("DATA?", {R"({"TimeConst":-1})"});
+    server.answer("DATA?", {"{}", "{}", R"({"TimeConst":0.25})", "{}"});
+    client->updateData();
+    ASSERT_TRUE(pollsAtOnce());
+    EXPECT_FALSE(pollsAtOnce());
+    EXPECT_THAT(armedTimers(), Contains(ArmedTimer{10, Qt::PreciseTimer}));
+    client->updateData(); // reports 0.25, so that the next 0 is a first one again
     client->updateData();
     EXPECT_TRUE(pollsAtOnce());
 }
 
-TEST_F(DataReaderTest, TimeConstantTooLongForATimerArmsAVeryLongOne) {
+TEST_F(DataReaderTest, EveryStartWithoutATimeConstantPollsAtOnce) {
+    server.answer("PARAMS?", {"{}"});
+    server.answer("START", {"Ok"});
+    for (int run = 0; run < 2; ++run) {
+        client->start();
+        EXPECT_EQ(log.messages().constLast(), "start 0");
+        EXPECT_TRUE(pollsAtOnce());
+        client->stop();
+    }
+}
+
+TEST_F(DataReaderTest, OtherTimersGoOnWhileTheServerReportsNoTimeConstant) {
+    server.answer("PARAMS?", {"{}"});
+    server.answer("START", {"Ok"});
+    server.answer("DATA?", {"{}"});
+    int otherCalls = 0;
+    QTimer other;
+    QObject::connect(&other, &QTimer::timeout, [&otherCalls] { ++otherCalls; });
+    other.start(1);
+    QSignalSpy updated(client.get(), &DataReader::dataUpdated);
+    client->start();
+    EXPECT_TRUE(runUntil([&] { return updated.size() >= 5 && otherCalls >= 5; }));
+}
+
+// Qt refuses to arm such an interval, in words of its own.
+TEST_F(DataReaderTest, NegativeTimeConstantIsKeptAndEndsThePolling) {
+    server.answer("PARAMS?", {paramsWithTimeConst("-1")});
+    server.answer("START", {"Ok\n"});
+    client->start();
+    EXPECT_THAT(server.requests(), ElementsAre("PARAMS?\n", "START -1\n"));
+    ASSERT_THAT(log.messages(), SizeIs(2));
+    EXPECT_EQ(log.messages()[0], "start -1000");
+    EXPECT_TRUE(log.messages()[1].contains("negative"));
+    EXPECT_THAT(armedTimers(), IsEmpty());
+    EXPECT_FALSE(pollsAtOnce());
+}
+
+TEST_F(DataReaderTest, NegativeTimeConstantInADataReplyEndsThePolling) {
+    startLongRun();
+    server.answer("DATA?", {R"({"TimeConst":-0.5})"});
+    client->updateData();
+    EXPECT_THAT(armedTimers(), SizeIs(1)); // the run's first
+    EXPECT_FALSE(pollsAtOnce());
+}
+
+struct Interval {
+    const char* name;
+    const char* timeConst;
+    int ms;
+};
+void PrintTo(const Interval& interval, std::ostream* out) {
+    *out << interval.name;
+}
+
+class DataReaderIntervalTest : public DataReaderTest,
+                               public testing::WithParamInterface<Interval> {};
+
+TEST_P(DataReaderIntervalTest, IsTheTimeConstantInWholeMilliseconds) {
+    server.answer("PARAMS?", {paramsWithTimeConst(GetParam().timeConst)});
+    server.answer("START", {"Ok\n"});
+    client->start();
+    EXPECT_EQ(log.messages()[0], QStringLiteral("start %1").arg(GetParam().ms));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , DataReaderIntervalTest,
+    testing::Values(Interval{"Seconds", "2", 2000}, Interval{"FractionIsCut", "1.9999", 1999},
+                    Interval{"Zero", "0", 0}, Interval{"LessThanAMillisecond", "0.0009", 0},
+                    Interval{"LittleBelowZero", "-0.0009", 0},
+                    Interval{"FractionBelowZeroIsCut", "-1.9999", -1999},
+                    Interval{"TooLarge", "1e300", std::numeric_limits<int>::max()},
+                    Interval{"TooSmall", "-1e300", std::numeric_limits<int>::min()},
+                    Interval{"LargeEnoughToOverflow", "1e307", std::numeric_limits<int>::max()}),
+    [](const auto& instance) { return instance.param.name; });
+
+TEST_F(DataReaderTest, TimeConstantThatIsNoNumberPollsAtOnce) {
+    client->setTimeConst(std::numeric_limits<double>::quiet_NaN());
+    server.answer("START", {"Ok\n"});
+    client->start(); // the server does not tell its parameters
+    EXPECT_EQ(log.messages().constLast(), "start 0");
+    EXPECT_TRUE(pollsAtOnce());
+}
+
+TEST_F(DataReaderTest, TimeConstantTooLongForATimerHoldsNothingUp) {
     server.answer("PARAMS?", {paramsWithTimeConst("1e300")});
     server.answer("START", {"Ok\n"});
     client->start();
-    const int dayMs = 24 * 60 * 60 * 1000;
-    EXPECT_THAT(armedTimers(), ElementsAre(Field(&ArmedTimer::intervalMs, Gt(dayMs))));
+    int otherCalls = 0;
+    QTimer other;
+    QObject::connect(&other, &QTimer::timeout, [&otherCalls] { ++otherCalls; });
+    other.start(10);
+    EXPECT_TRUE(runUntil([&] { return otherCalls >= 3; }));
+    EXPECT_THAT(server.requests(), Not(Contains("DATA?\n")));
 }
 
 TEST_F(DataReaderTest, UpdateDataSendsNothingWhileNoRunIsActive) {

@@ -1,5 +1,7 @@
 #include "scriptedserver.h"
 
+#include "patientsocket.h"
+
 #include <QDeadlineTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -20,9 +22,12 @@ ScriptedServer::ScriptedServer() {
     m_context.moveToThread(&m_thread);
     m_thread.start();
     onThread([this] { listen(); });
+    socketWaits = {};
+    s_current = this;
 }
 
 ScriptedServer::~ScriptedServer() {
+    s_current = nullptr;
     onThread([this] { delete m_server; }); // and with it its sockets
     m_thread.quit();
     m_thread.wait();
@@ -37,17 +42,22 @@ void ScriptedServer::listen() {
 
 void ScriptedServer::accept() {
     m_client = m_server->nextPendingConnection();
+    m_clientPort = m_client->peerPort();
+    m_received = 0;
     m_pending.clear();
     ++m_connections;
     QObject::connect(m_client, &QTcpSocket::readyRead, &m_context, [this] { read(); });
 }
 
 void ScriptedServer::read() {
-    m_pending += m_client->readAll();
+    const QByteArray arrived = m_client->readAll();
+    m_received += arrived.size();
+    m_pending += arrived;
     for (int end = 0; (end = m_pending.indexOf('\n')) >= 0; m_pending.remove(0, end + 1)) {
         const QByteArray request = m_pending.left(end + 1);
         m_requests.push_back(request);
         QList<QByteArray>& replies = m_replies[request.left(end).split(' ').constFirst()];
+        m_replied = !replies.isEmpty() && !replies.constFirst().isEmpty();
         if (replies.isEmpty())
             continue;
         m_client->write(replies.constFirst());
@@ -73,7 +83,31 @@ void ScriptedServer::hangUp() {
 }
 
 void ScriptedServer::setReading(bool on) {
-    onThread([&] { m_client->setReadBufferSize(on ? 0 : 1); });
+    onThread([&] {
+        m_reading = on;
+        m_client->setReadBufferSize(on ? 0 : 1);
+    });
+}
+
+ScriptedServer::Reaction ScriptedServer::reactionTo(quint16 clientPort, qint64 bytes) {
+    const QDeadlineTimer deadline(patienceMs);
+    while (!deadline.hasExpired()) {
+        bool reachable = true;
+        bool read = false;
+        bool replied = false;
+        onThread([&] {
+            const bool here = m_client != nullptr && m_clientPort == clientPort;
+            reachable = m_reading && (!here || m_client->state() == QTcpSocket::ConnectedState);
+            read = here && m_received >= bytes;
+            replied = m_replied;
+        });
+        if (!reachable)
+            return Reaction::Unknown;
+        if (read)
+            return replied ? Reaction::Reply : Reaction::Silence;
+        QThread::msleep(1);
+    }
+    return Reaction::Unknown;
 }
 
 std::vector<QByteArray> ScriptedServer::requests() {

@@ -29,6 +29,14 @@ public:
     // Leaves what the client sends in the network until told otherwise.
     void setReading(bool on);
 
+    // The one that lives, if any.
+    static ScriptedServer* current() { return s_current; }
+
+    // What it does about the last of `bytes` bytes of a client's requests, once it has read them
+    // all; unknown where it does not read or has hung up.
+    enum class Reaction { Reply, Silence, Unknown };
+    Reaction reactionTo(quint16 clientPort, qint64 bytes);
+
     // The requests so far, each with its line feed.
     std::vector<QByteArray> requests();
     // Waits until there are `count` requests, for up to ten seconds, and returns them all.
@@ -43,10 +51,16 @@ private:
     void accept();
     void read();
 
+    inline static ScriptedServer* s_current = nullptr;
+
     QThread m_thread;
     QObject m_context; // lives on m_thread, as all that follows
     QTcpServer* m_server = nullptr;
     QTcpSocket* m_client = nullptr;
+    quint16 m_clientPort = 0;
+    qint64 m_received = 0; // over this connection
+    bool m_reading = true;
+    bool m_replied = false; // to the last request
     QByteArray m_pending;
     QHash<QByteArray, QList<QByteArray>> m_replies;
     std::vector<QByteArray> m_requests;
