@@ -1,9 +1,5 @@
 #include "cplatform.h"
 
-#include "cgpio.h"
-#include "platform.h"
-#include "spidevice.h"
-
 #include <QDebug>
 
 #include <algorithm>

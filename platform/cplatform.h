@@ -1,7 +1,11 @@
 #pragma once
 
-class SpiDevice;
-class cGPIO;
+// The whole face of the board: what platform.h declares, the classes that stand behind it, and the
+// one object that puts them together.
+
+#include "cgpio.h"
+#include "platform.h"
+#include "spidevice.h"
 
 class Platform;
 

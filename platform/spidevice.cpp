@@ -70,6 +70,9 @@ void SpiDevice::write(QByteArray data) {
 }
 
 QByteArray SpiDevice::read(int len) {
+    if (len < 0) {
+        return {};
+    }
     QByteArray received(len, Qt::Uninitialized);
     return readWrite(nullptr, received.data(), len) ? received : QByteArray();
 }

@@ -39,8 +39,9 @@ public:
     // Sends only; whether it succeeded is not known.
     void write(QByteArray data);
 
-    // Receives `len` bytes while sending zeros; empty when the transfer fails. How long a message
-    // may be is the driver's matter (4096 bytes unless it was loaded with another "bufsiz").
+    // Receives `len` bytes while sending zeros; empty when the transfer fails, and without one when
+    // `len` is negative. How long a message may be is the driver's matter (4096 bytes unless it was
+    // loaded with another "bufsiz").
     QByteArray read(int len);
 
     // Full duplex: the bytes received, as many as were sent; empty when the transfer fails.

@@ -1,9 +1,6 @@
-#include "cgpio.h"
 #include "cplatform.h"
-#include "platform.h"
 #include "program.h"
 #include "recordingwires.h"
-#include "spidevice.h"
 
 #include <gmock/gmock.h>
 

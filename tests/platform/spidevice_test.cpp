@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <linux/spi/spidev.h>
 #include <vector>
 
@@ -251,6 +252,13 @@ TEST_F(SpiDeviceTest, ReadOfNothingIsAMessageOfLengthZero) {
     EXPECT_TRUE(device.read(0).isEmpty());
     ASSERT_THAT(driver.requests, SizeIs(1));
     EXPECT_EQ(driver.lastTransfer().len, 0U);
+}
+
+TEST_F(SpiDeviceTest, ReadOfANegativeLengthAsksNobodyAndReturnsNothing) {
+    openAndForget();
+    EXPECT_TRUE(device.read(-1).isEmpty());
+    EXPECT_TRUE(device.read(std::numeric_limits<int>::min()).isEmpty());
+    EXPECT_THAT(driver.requests, IsEmpty());
 }
 
 TEST_F(SpiDeviceTest, ReceivesMoreThan256Bytes) {
