@@ -93,21 +93,18 @@ int moved(int phase, int from, int to) {
     return phase < fullRun ? tween(phase, from, to) : to;
 }
 
-uint32_t bitmapSize(uint32_t width, uint32_t height) {
-    return BITMAP_SIZE(EVE_REG("__BILINEAR"), EVE_REG("__BORDER"), EVE_REG("__BORDER"), width,
-                       height);
-}
-
 // Selects a piece's bitmap.
 void setup_element(Gpu_Hal_Context_t* host, const element* e) {
     const auto width = static_cast<uint32_t>(dc(e->w) / 16 + 1);
     const auto height = static_cast<uint32_t>(dc(e->h) / 16 + 1);
-    const auto stride = static_cast<uint32_t>(e->w / 2);
+    const uint32_t filter = EVE_REG("__BILINEAR");
+    const uint32_t wrap = EVE_REG("__BORDER");
     App_WrCoCmd_Buffer(host, BITMAP_SOURCE(e->source));
-    App_WrCoCmd_Buffer(host, BITMAP_LAYOUT(EVE_REG("__L4"), stride, static_cast<uint32_t>(e->h)));
-    App_WrCoCmd_Buffer(host, bitmapSize(width, height));
+    App_WrCoCmd_Buffer(host, BITMAP_LAYOUT(EVE_REG("__L4"), static_cast<uint32_t>(e->w / 2),
+                                           static_cast<uint32_t>(e->h)));
+    App_WrCoCmd_Buffer(host, BITMAP_SIZE(filter, wrap, wrap, width, height));
     if (!isEve1()) {
-        App_WrCoCmd_Buffer(host, BITMAP_LAYOUT_H(stride >> 10, 0));
+        App_WrCoCmd_Buffer(host, BITMAP_LAYOUT_H(static_cast<uint32_t>(e->w >> 11), 0));
         App_WrCoCmd_Buffer(host, BITMAP_SIZE_H(width >> 9, height >> 9));
     }
 }
@@ -116,16 +113,6 @@ void setup_element(Gpu_Hal_Context_t* host, const element* e) {
 void draw(Gpu_Hal_Context_t* host, const element* e, int dx) {
     setup_element(host, e);
     App_WrCoCmd_Buffer(host, VERTEX2F(dc(e->x) + dx, YOFFSET + dc(e->y)));
-}
-
-// Makes the selected bitmap's window cover the screen.
-void fillScreen(Gpu_Hal_Context_t* host) {
-    const auto width = static_cast<uint32_t>(panelWidth());
-    const auto height = static_cast<uint32_t>(panelHeight());
-    App_WrCoCmd_Buffer(host, bitmapSize(width, height));
-    if (!isEve1()) {
-        App_WrCoCmd_Buffer(host, BITMAP_SIZE_H(width >> 9, height >> 9));
-    }
 }
 
 void drawLeftPieces(Gpu_Hal_Context_t* host, int t) {
@@ -138,8 +125,8 @@ void drawLeftPieces(Gpu_Hal_Context_t* host, int t) {
     }
 }
 
-// The turning piece is placed by its transform alone. Its window starts at the screen's corner and
-// moves with the vertex only, so it must span the screen for the piece to show at its place.
+// The turning piece is placed by its transform alone, while its window, as large as the piece,
+// stays in the screen's corner: what is turned or moved out of that does not show.
 void drawTurningPiece(Gpu_Hal_Context_t* host, int t) {
     constexpr int quarterTurn = 0x4000;
     const int angle = -moved(turnSpeed * (t - turnBegins), quarterTurn, 0);
@@ -148,7 +135,6 @@ void drawTurningPiece(Gpu_Hal_Context_t* host, int t) {
     App_WrCoCmd_Buffer(host, COLOR_RGB(blue));
     App_WrCoCmd_Buffer(host, SAVE_CONTEXT());
     setup_element(host, &el[turningPiece]);
-    fillScreen(host);
     Gpu_CoCmd_LoadIdentity(host);
     Gpu_CoCmd_Scale(host, scaling, scaling);
     Gpu_CoCmd_Translate(host, fixed16(pivotX), yshift + fixed16(pivotY));

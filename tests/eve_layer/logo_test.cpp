@@ -47,9 +47,8 @@ const Words firstFrame = joined({
     {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE03FF},
     // piece 9, in its own colour
     {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE0BDF},
-    // piece 10, its window widened to the screen
-    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
-     0x29000000},
+    // piece 10
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000},
     // placed and turned by its transform
     {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
      0xFFFFC000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
@@ -86,9 +85,8 @@ const Words frame40 = joined({
     {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE03FF},
     // piece 9, in its own colour
     {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x7EEE0BDF},
-    // piece 10, its window widened to the screen
-    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
-     0x29000000},
+    // piece 10
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000},
     // placed and turned by its transform
     {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
      0xFFFFF68D, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
@@ -125,9 +123,8 @@ const Words lastFrame = joined({
     {0x01004D96, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x415E03FF},
     // piece 9, in its own colour
     {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x28000000, 0x29000000, 0x415E0BDF},
-    // piece 10, its window widened to the screen
-    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000, 0x0813C110,
-     0x29000000},
+    // piece 10
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x28000000, 0x29000000},
     // placed and turned by its transform
     {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
      0x00000000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
@@ -164,8 +161,8 @@ const Words firstFrameEve1 = joined({
     {0x01004D96, 0x07101C1C, 0x08102211, 0x7EEE03FF},
     // piece 9, in its own colour
     {0x04ED1C24, 0x01004F1E, 0x07101C1C, 0x08102211, 0x7EEE0BDF},
-    // piece 10, its window widened to the screen
-    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A, 0x0813C110},
+    // piece 10
+    {0x043871C1, 0x22000000, 0x010050A6, 0x07119095, 0x0811E05A},
     // placed and turned by its transform
     {0xFFFFFF26, 0xFFFFFF28, 0x00009999, 0x00009999, 0xFFFFFF27, 0x00BE0000, 0x00D49D5C, 0xFFFFFF29,
      0xFFFFC000, 0xFFFFFF27, 0x00000000, 0xFFC40000, 0xFFFFFF2A, 0x40000000, 0x23000000},
@@ -204,7 +201,7 @@ protected:
 };
 
 // Places of words in a frame of EVE_3.
-constexpr std::size_t angleWord = 11 + 10 * 6 + 1 + 9 + 8;
+constexpr std::size_t angleWord = 11 + 10 * 6 + 1 + 7 + 8;
 constexpr std::size_t rightPieceVertex = angleWord + 7 + 5;
 constexpr std::size_t alphaWord = rightPieceVertex + 2;
 
@@ -323,9 +320,9 @@ TEST_F(LogoTest, FillsAPanel800PixelsWide) {
     // Piece 12: 603 x 30 pixels at (190, 119 + 183), its width's upper bits apart.
     EXPECT_THAT(Words(last.end() - 6, last.end() - 2),
                 ElementsAre(0x0810B61E, 0x28000000, 0x29000004, 0x45F012E0));
-    // The window of the piece that turns: 800 x 480.
-    EXPECT_EQ(last[angleWord - 10], 0x081241E0U);
-    EXPECT_EQ(last[angleWord - 9], 0x29000004U);
+    // Piece 10: a window of 401 x 150 pixels.
+    EXPECT_EQ(last[angleWord - 11], 0x08132296U);
+    EXPECT_EQ(last[angleWord - 9], 0x29000000U);
 }
 
 } // namespace
