@@ -7,24 +7,39 @@
 #include <cstdio>
 #include <cstring>
 
-std::array<uint8_t, cmdBufferSize + cmdBufferOverrun> CmdBuffer;
-uint32_t CmdBuffer_Index = 0;
-std::array<uint8_t, dlBufferSize> DlBuffer;
-uint32_t DlBuffer_Index = 0;
-
 namespace {
 
 constexpr uint32_t wordSize = 4;
+constexpr uint32_t overrunSize = 512;
+
+// The command buffer and the room behind it that a string may run into, in one object.
+struct CommandMemory {
+    uint8_t buffer[cmdBufferSize];
+    uint8_t overrun[overrunSize];
+
+    // Where byte `index` of both together is.
+    uint8_t* at(uint32_t index) { return reinterpret_cast<uint8_t*>(this) + index; }
+};
+
+CommandMemory commandMemory;
 
 constexpr uint32_t roundUpToWord(uint32_t bytes) {
     return (bytes + wordSize - 1) / wordSize * wordSize;
 }
 
-// Copies a string with its terminator into `room` bytes, cut to fit.
-void copyString(uint8_t* to, const char* s, std::size_t room) {
-    const std::size_t length = std::min(std::strlen(s), room - 1);
+// Copies a string of `length` bytes and its terminator into `room` bytes, cut to fit.
+void copyString(uint8_t* to, const char* s, std::size_t length, std::size_t room) {
+    if (length >= room) {
+        std::puts("CmdBuffer overflow");
+        length = room - 1;
+    }
     std::memcpy(to, s, length);
     to[length] = 0;
+}
+
+// The bytes of the pending stream that there are, whatever the index says.
+uint32_t pendingBytes() {
+    return std::min(CmdBuffer_Index, static_cast<uint32_t>(sizeof commandMemory));
 }
 
 // Tells a touch tag once, when it is released.
@@ -47,11 +62,16 @@ private:
 
 } // namespace
 
+uint8_t (&CmdBuffer)[cmdBufferSize] = commandMemory.buffer;
+uint32_t CmdBuffer_Index = 0;
+uint8_t DlBuffer[dlBufferSize];
+uint32_t DlBuffer_Index = 0;
+
 void App_WrCoCmd_Buffer(Gpu_Hal_Context_t* host, uint32_t word) {
     if (CmdBuffer_Index >= cmdBufferSize) {
         App_Flush_Co_Buffer_nowait(host);
     }
-    std::memcpy(CmdBuffer.data() + CmdBuffer_Index, &word, wordSize);
+    std::memcpy(commandMemory.at(CmdBuffer_Index), &word, wordSize);
     CmdBuffer_Index += wordSize;
 }
 
@@ -60,17 +80,18 @@ void App_WrCoStr_Buffer(Gpu_Hal_Context_t* host, const char* s) {
         std::puts("CmdBuffer overflow");
         App_Flush_Co_Buffer(host);
     }
-    const auto room = static_cast<uint32_t>(CmdBuffer.size()) - CmdBuffer_Index;
-    copyString(CmdBuffer.data() + CmdBuffer_Index, s, room);
-    const auto bytes = static_cast<uint16_t>(std::strlen(s) + 1); // counted modulo 65536
+    const std::size_t length = std::strlen(s);
+    const auto room = static_cast<uint32_t>(sizeof commandMemory) - CmdBuffer_Index;
+    copyString(commandMemory.at(CmdBuffer_Index), s, length, room);
+    const auto bytes = static_cast<uint16_t>(length + 1); // counted modulo 65536
     CmdBuffer_Index += std::min(roundUpToWord(bytes), room);
 }
 
 void App_WrDl_Buffer(Gpu_Hal_Context_t* /*host*/, uint32_t word) {
-    if (DlBuffer_Index >= dlBufferSize) {
+    if (DlBuffer_Index > dlBufferSize - wordSize) {
         std::puts("DlBuffer overflow");
     } else {
-        std::memcpy(DlBuffer.data() + DlBuffer_Index, &word, wordSize);
+        std::memcpy(DlBuffer + DlBuffer_Index, &word, wordSize);
     }
     DlBuffer_Index += wordSize; // beyond the size too: the index tells how much was lost
 }
@@ -78,21 +99,21 @@ void App_WrDl_Buffer(Gpu_Hal_Context_t* /*host*/, uint32_t word) {
 void App_Flush_DL_Buffer(Gpu_Hal_Context_t* host) {
     if (DlBuffer_Index != 0) {
         const uint32_t held = std::min(DlBuffer_Index, dlBufferSize);
-        Gpu_Hal_WrMem(host, EVE_REG("__RAM_DL"), DlBuffer.data(), held);
+        Gpu_Hal_WrMem(host, EVE_REG("__RAM_DL"), DlBuffer, held);
     }
     DlBuffer_Index = 0;
 }
 
 void App_Flush_Co_Buffer(Gpu_Hal_Context_t* host) {
     if (CmdBuffer_Index != 0) {
-        Gpu_Hal_WrCmdBuf(host, CmdBuffer.data(), CmdBuffer_Index);
+        Gpu_Hal_WrCmdBuf(host, commandMemory.at(0), pendingBytes());
     }
     CmdBuffer_Index = 0;
 }
 
 void App_Flush_Co_Buffer_nowait(Gpu_Hal_Context_t* host) {
     if (CmdBuffer_Index != 0) {
-        Gpu_Hal_WrCmdBuf_nowait(host, CmdBuffer.data(), CmdBuffer_Index);
+        Gpu_Hal_WrCmdBuf_nowait(host, commandMemory.at(0), pendingBytes());
     }
     CmdBuffer_Index = 0;
 }

@@ -8,26 +8,23 @@
 //
 // Module state, one set per program; main thread only. Transfers are not checked for failure.
 
-#include <array>
-#include <cstdint>
+#include "Gpu_Hal.h"
 
-struct Gpu_Hal_Context_t;
+#include <cstdint>
 
 // --- command buffer (App_Common.cpp)
 
-// The buffer counts as full from this many bytes on.
-constexpr uint32_t cmdBufferSize = 4096;
-// A string that starts in the buffer may run past its end by this much; a longer one is cut.
-constexpr uint32_t cmdBufferOverrun = 512;
+constexpr uint32_t cmdBufferSize = 4096; // it counts as full from this many bytes on
 constexpr uint32_t dlBufferSize = 8192;
 
-// Pending coprocessor stream, and the bytes of it in use (a multiple of 4).
-extern std::array<uint8_t, cmdBufferSize + cmdBufferOverrun> CmdBuffer;
+// Pending coprocessor stream, and the bytes of it in use (a multiple of 4). A string that starts in
+// the buffer may run past its end, into room that lies behind it.
+extern uint8_t (&CmdBuffer)[cmdBufferSize];
 extern uint32_t CmdBuffer_Index;
 
 // Pending display-list words, and the bytes of them in use. The index counts on past the buffer's
 // size when words had to be dropped.
-extern std::array<uint8_t, dlBufferSize> DlBuffer;
+extern uint8_t DlBuffer[dlBufferSize];
 extern uint32_t DlBuffer_Index;
 
 // Appends one word of the coprocessor stream. A full buffer is first sent, without waiting for the
@@ -36,11 +33,12 @@ void App_WrCoCmd_Buffer(Gpu_Hal_Context_t* host, uint32_t word);
 
 // Appends a string and its terminating zero, and pads to a whole word with whatever the buffer
 // held. A full buffer is first sent, waiting until it is consumed, and "CmdBuffer overflow" is
-// printed on standard output.
+// printed on standard output; so it is when a string is cut because even the room behind the
+// buffer, 512 bytes, does not hold it.
 void App_WrCoStr_Buffer(Gpu_Hal_Context_t* host, const char* s);
 
-// Appends one word for App_Flush_DL_Buffer(). When the buffer is full the word is dropped and
-// "DlBuffer overflow" printed on standard output.
+// Appends one word for App_Flush_DL_Buffer(). When the buffer has no room for it the word is
+// dropped and "DlBuffer overflow" printed on standard output.
 void App_WrDl_Buffer(Gpu_Hal_Context_t* host, uint32_t word);
 
 // Writes the pending display-list words straight to display-list memory, without a swap.
@@ -51,7 +49,8 @@ void App_Flush_DL_Buffer(Gpu_Hal_Context_t* host);
 void App_Flush_Co_Buffer(Gpu_Hal_Context_t* host);
 void App_Flush_Co_Buffer_nowait(Gpu_Hal_Context_t* host);
 
-// Set the index of a buffer, at most its size and a multiple of 4; 0 discards the pending words.
+// Set the index of a buffer, a multiple of 4; 0 discards the pending words. Beyond its size a
+// buffer counts as full: nothing is read or written there.
 void App_Set_DlBuffer_Index(uint32_t index);
 void App_Set_CmdBuffer_Index(uint32_t index);
 

@@ -47,7 +47,7 @@ uint32_t GET_ASTC_FORMAT(uint16_t w, uint16_t h) {
     return found == footprints().end() ? 0 : (*DisplaySettings::getInstance())[found->format];
 }
 
-void astc_tile2(const uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* dst) {
+void astc_tile2(uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* dst) {
     const auto copyBlock = [&dst, src](uint32_t index) {
         dst = std::copy_n(src + std::size_t{index} * blockBytes, blockBytes, dst);
     };

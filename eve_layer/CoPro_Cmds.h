@@ -15,9 +15,9 @@
 // A command that the controller's generation lacks ends the process through a failed assertion
 // before anything is appended; the headings say which. Nothing else can fail.
 
-#include <cstdint>
+#include "Gpu_Hal.h"
 
-struct Gpu_Hal_Context_t;
+#include <cstdint>
 
 // --- what every command is made of
 
@@ -192,10 +192,10 @@ uint32_t Get_GpuClock(Gpu_Hal_Context_t* host);
 uint32_t GET_ASTC_FORMAT(uint16_t w, uint16_t h);
 
 // Reorders w x h blocks of 16 bytes, `size` bytes in all, from rows at `src` into the tiles of
-// 2 x 2 that the controller reads, at `dst`. The two must not overlap.
-void astc_tile2(const uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* dst);
+// 2 x 2 that the controller reads, at `dst`. The two must not overlap; `src` is only read.
+void astc_tile2(uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* dst);
 
-// --- flash (CoPro_Flash.cpp). EVE_3. Addresses in flash and in controller memory, counts in bytes.
+// --- flash. EVE_3. Addresses in flash and in controller memory, counts in bytes.
 
 void Gpu_CoCmd_FlashErase(Gpu_Hal_Context_t* host);
 void Gpu_CoCmd_FlashAttach(Gpu_Hal_Context_t* host);
@@ -214,7 +214,7 @@ void Gpu_CoCmd_FlashSpiTx(Gpu_Hal_Context_t* host, uint32_t num);
 void Gpu_CoCmd_FlashSpiRx(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t num);
 void Gpu_CoCmd_FlashFast(Gpu_Hal_Context_t* host, uint32_t result);
 
-// --- flash helper (CoPro_Flash.cpp). EVE_3. These block until the coprocessor is done, without a
+// --- flash helper. EVE_3. These block until the coprocessor is done, without a
 // time-out, unless told otherwise.
 
 enum Flash_Cmd_Status_t : uint32_t {

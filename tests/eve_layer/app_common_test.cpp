@@ -2,12 +2,19 @@
 #include "drawingtest.h"
 
 #include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <numeric>
+#include <type_traits>
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
+
+static_assert(sizeof CmdBuffer == 4096 && sizeof DlBuffer == 8192);
+static_assert(std::is_same_v<decltype(CmdBuffer + 4), uint8_t*>);
 
 constexpr uint32_t ramCmd = 0x308000;
 constexpr uint32_t ramDl = 0x300000;
@@ -38,7 +45,7 @@ TEST_F(AppCommonTest, WordsAreHeldBackLittleEndianUntilAFlush) {
     App_WrCoCmd_Buffer(&host, 0x08070605);
     EXPECT_EQ(CmdBuffer_Index, 8U);
     EXPECT_TRUE(board.events().empty());
-    EXPECT_TRUE(std::equal(CmdBuffer.begin(), CmdBuffer.begin() + 8, consecutive(1, 8).begin()));
+    EXPECT_TRUE(std::equal(CmdBuffer, CmdBuffer + 8, consecutive(1, 8).begin()));
 
     App_Flush_Co_Buffer(&host);
     EXPECT_EQ(CmdBuffer_Index, 0U);
@@ -122,7 +129,7 @@ TEST_F(AppCommonTest, StringsTakeTheirTerminatorAndWholeWords) {
 }
 
 TEST_F(AppCommonTest, ThePadBehindAStringKeepsWhatTheBufferHeld) {
-    CmdBuffer.fill(0xEE);
+    std::memset(CmdBuffer, 0xEE, sizeof CmdBuffer);
     App_WrCoStr_Buffer(&host, "abcd");
     EXPECT_THAT(flushedWords(), ElementsAre(0x64636261, 0xEEEEEE00));
 }
@@ -155,19 +162,78 @@ TEST_F(AppCommonTest, AStringThatStartsInTheBufferIsCopiedWholePastItsEnd) {
                 ElementsAre(0x64636261, 0x68676665, 0, 0x1234));
 }
 
-TEST_F(AppCommonTest, AStringLongerThanTheRoomBehindTheBufferIsCut) {
-    appendWords(0, 1023);
-    App_WrCoStr_Buffer(&host, std::string(5000, 'x').c_str());
-    EXPECT_EQ(CmdBuffer_Index, CmdBuffer.size());
-    EXPECT_EQ(CmdBuffer[CmdBuffer.size() - 2], 'x');
-    EXPECT_EQ(CmdBuffer.back(), 0);
+TEST_F(AppCommonTest, AStringLongerThanTheRoomBehindTheBufferIsCutWithAMessage) {
+    constexpr uint32_t room = 4096 + 512;
+    const std::string fits(room - 4092 - 1, 'x');
+    for (const std::string& text : {fits, fits + "y", std::string(5000, 'x')}) {
+        App_Set_CmdBuffer_Index(0);
+        appendWords(0, 1023);
+        testing::internal::CaptureStdout();
+        App_WrCoStr_Buffer(&host, text.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  text == fits ? "" : "CmdBuffer overflow\n");
+        EXPECT_EQ(CmdBuffer_Index, room);
+        board.clearRecord();
+        Gpu_Hal_ResetCmdFifo(&host);
+        flushedWords();
+        ASSERT_THAT(board.commandBytes(), SizeIs(room));
+        EXPECT_EQ(board.commandBytes()[room - 2], 'x');
+        EXPECT_EQ(board.commandBytes()[room - 1], 0);
+    }
 }
 
 TEST_F(AppCommonTest, TheBytesOfAStringAreCountedModulo65536) {
+    testing::internal::CaptureStdout();
     App_WrCoStr_Buffer(&host, std::string(65535, 'x').c_str());
     EXPECT_EQ(CmdBuffer_Index, 0U);
     App_WrCoStr_Buffer(&host, std::string(65536 + 5, 'x').c_str());
     EXPECT_EQ(CmdBuffer_Index, 8U);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "CmdBuffer overflow\nCmdBuffer overflow\n");
+}
+
+// --- indices that no buffer has
+
+constexpr uint32_t strangeIndices[] = {4093,  4095,       4096,     4608,       4609,
+                                       8189,  8190,       8191,     8192,       8193,
+                                       65536, 0x7FFFFFFF, 1U << 31, 0xFFFFFFFC, 0xFFFFFFFF};
+
+// Under the sanitizers, this is about memory too.
+TEST_F(AppCommonTest, NoIndexLeadsOutOfTheCommandBuffer) {
+    testing::internal::CaptureStdout();
+    for (const uint32_t index : strangeIndices) {
+        SCOPED_TRACE(index);
+        App_Set_CmdBuffer_Index(index);
+        App_WrCoCmd_Buffer(&host, 1);
+        EXPECT_EQ(CmdBuffer_Index, index < 4096 ? index + 4 : 4);
+        App_Set_CmdBuffer_Index(index);
+        App_WrCoStr_Buffer(&host, "abc");
+        EXPECT_EQ(CmdBuffer_Index, index < 4096 ? index + 4 : 4);
+        for (const auto flush : {App_Flush_Co_Buffer, App_Flush_Co_Buffer_nowait}) {
+            App_Set_CmdBuffer_Index(index);
+            board.clearRecord();
+            flush(&host);
+            EXPECT_LE(board.commandBytes().size(), 4096U + 512U);
+            EXPECT_EQ(CmdBuffer_Index, 0U);
+        }
+    }
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(AppCommonTest, NoIndexLeadsOutOfTheDisplayListBuffer) {
+    for (const uint32_t index : strangeIndices) {
+        SCOPED_TRACE(index);
+        App_Set_DlBuffer_Index(index);
+        testing::internal::CaptureStdout();
+        App_WrDl_Buffer(&host, 1);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  index + 4ULL > 8192 ? "DlBuffer overflow\n" : "");
+        App_Set_DlBuffer_Index(index);
+        board.clearRecord();
+        App_Flush_DL_Buffer(&host);
+        ASSERT_THAT(board.transactions(), SizeIs(1));
+        EXPECT_EQ(board.transactions().front().data.size(), std::min(index, 8192U));
+        EXPECT_EQ(DlBuffer_Index, 0U);
+    }
 }
 
 // --- display-list buffer

@@ -5,7 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <type_traits>
 #include <vector>
+
+static_assert(
+    std::is_same_v<decltype(astc_tile2), void(unsigned char*, unsigned short, unsigned short,
+                                              unsigned int, unsigned char*)>);
 
 namespace {
 
@@ -58,7 +63,7 @@ std::vector<uint8_t> numberedBlocks(std::size_t count) {
 
 // The order in which astc_tile2() leaves w x h blocks, `count` in all.
 std::vector<int> tiledOrder(uint16_t w, uint16_t h, std::size_t count) {
-    const std::vector<uint8_t> source = numberedBlocks(count);
+    std::vector<uint8_t> source = numberedBlocks(count);
     std::vector<uint8_t> tiled(source.size(), 0xEE);
     astc_tile2(source.data(), w, h, static_cast<uint32_t>(source.size()), tiled.data());
     std::vector<int> order;

@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -23,7 +24,7 @@ protected:
         Gpu_Hal_Open(&host);
         App_Set_CmdBuffer_Index(0);
         App_Set_DlBuffer_Index(0);
-        CmdBuffer.fill(0); // so that the pad of strings is known
+        std::memset(CmdBuffer, 0, sizeof CmdBuffer); // so that the pad of strings is known
         use(DisplaySettings::EVE_3);
         board.clearRecord();
     }

@@ -2,6 +2,7 @@
 #include "drawingtest.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace {
@@ -123,7 +124,7 @@ TEST_F(FlashTest, InitLeavesAnAttachedFlashAlone) {
 TEST_F(FlashTest, InitEndsWhenAFullCommandBufferHasDeliveredTheAttachCommand) {
     board.poke(regFlashStatus, detached);
     App_Set_CmdBuffer_Index(4096 - 4); // room for one word
-    std::fill(CmdBuffer.begin(), CmdBuffer.end(), uint8_t{0});
+    std::fill(std::begin(CmdBuffer), std::end(CmdBuffer), uint8_t{0});
     board.queueReads(regFlashStatus, {detached, detached, basic});
     Gpu_CoCmd_FlashHelper_Init(&host);
     EXPECT_EQ(board.commandWords().size(), 1024U);

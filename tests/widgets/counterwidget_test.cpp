@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -129,7 +130,7 @@ TEST_F(CounterWidgetTest, ExecDrawsThePictureAndFourZeros) {
 
 TEST_F(CounterWidgetTest, ARedrawIsTheseWordsOnTheBus) {
     show();
-    CmdBuffer.fill(0); // what strings are padded with
+    std::memset(CmdBuffer, 0, sizeof CmdBuffer); // what strings are padded with
     screen.update();
     screen.loop();
     EXPECT_THAT(board.commandWords(),
