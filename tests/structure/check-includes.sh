@@ -3,6 +3,7 @@
 #
 #   check-includes.sh SOURCE-DIRECTORY
 set -euo pipefail
+shopt -s nullglob
 cd "$1"
 
 # Folder, and the folders whose headers it may include besides its own ("Qt" for Qt's).
@@ -10,8 +11,10 @@ rules='
 assets                  Qt
 client                  Qt
 platform                Qt
-eve_layer               Qt platform assets
-widgets                 Qt client eve_layer platform assets
+eve_layer               Qt platform assets eve_layer/detail eve_layer/words
+eve_layer/detail        Qt eve_layer platform
+eve_layer/words
+widgets                 Qt client eve_layer platform assets eve_layer/words
 .                       Qt client eve_layer platform widgets assets
 simulator/controller
 simulator/board
@@ -41,7 +44,7 @@ check_include() { # folder allowed file line
         return
     fi
     [[ $line =~ ^[[:space:]]*\#include\ *\"(.*)\" ]] || return 0
-    header=${BASH_REMATCH[1]}
+    header=${BASH_REMATCH[1]##*/}
     homes=${homes_of[$header]:-}
     if [ -z "$homes" ]; then
         [[ $header == *.moc ]] || report "$file includes \"$header\", which is in no folder of the program"
