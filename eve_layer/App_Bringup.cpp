@@ -4,6 +4,7 @@
 #include "displaylistwords.h"
 #include "displaysettings.h"
 #include "generationinforce.h"
+#include "wakeup.h"
 
 namespace {
 
@@ -17,19 +18,6 @@ void write8(Gpu_Hal_Context_t* host, uint32_t addr, uint32_t value) {
 
 void write16(Gpu_Hal_Context_t* host, uint32_t addr, uint32_t value) {
     Gpu_Hal_Wr16(host, addr, static_cast<uint16_t>(value));
-}
-
-void powerUp(Gpu_Hal_Context_t* host) {
-    Gpu_Hal_Init();
-    Gpu_Hal_Open(host);
-    Gpu_Hal_Powercycle(true);
-    if (!isEve1()) {
-        Gpu_Hal_SetSPI(host, GPU_SPI_SINGLE_CHANNEL, GPU_SPI_ONE_DUMMY);
-    }
-    Gpu_ClockSelect(GPU_CLOCK_EXTERNAL);
-    Gpu_PLL_FreqSelect(GPU_PLL_48MHZ);
-    Gpu_PowerModeSwitch(GPU_POWER_ACTIVE);
-    Gpu_Hal_Sleep(bootTimeMs);
 }
 
 // Polls a register until it reads `wanted`. Without a time-out: there is nothing to do without a
@@ -74,7 +62,7 @@ void enablePanel(Gpu_Hal_Context_t* host) {
 } // namespace
 
 void App_Common_Init(Gpu_Hal_Context_t* host) {
-    powerUp(host);
+    wakeController(host, DisplaySettings::getInstance()->getDisplayGeneration(), bootTimeMs);
     waitForRegister(host, EVE_REG("__REG_ID"), chipPresent);
     waitForRegister(host, EVE_REG("__REG_CPURESET"), 0);
     setPanelTiming(host);

@@ -1,18 +1,14 @@
 #include "Gpu_Hal.h"
 
 #include "displaysettings.h"
-#include "eveassert.h"
+#include "generationguard.h"
 
 #include <algorithm>
 #include <array>
 
-// Generation 2 and 3 functions fail under EVE_1 with a message that names the function.
-#define ASSERT_NOT_EVE_1(line, function)                                                           \
-    EVE_ASSERT(DisplaySettings::getInstance()->getDisplayGeneration() != DisplaySettings::EVE_1,   \
-               "!EVE1 && \"this function is worked only on EVE2 or EVE3\"",                        \
-               "eve_layer/Gpu_Hal.cpp", line, function)
-
 namespace {
+
+constexpr const char* thisFile = "eve_layer/Gpu_Hal.cpp";
 
 constexpr uint8_t writeFlag = 0x80;
 constexpr uint8_t coreResetCommand = 0x68;
@@ -249,7 +245,7 @@ void Gpu_CoreReset() {
 }
 
 void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
-    ASSERT_NOT_EVE_1(510, "void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T)");
+    NEEDS_EVE2_OR_EVE3(thisFile, 510, ONLY_EVE2_OR_EVE3);
     switch (frequency) {
     case GPU_81X_PLL_72MHZ:
         return Gpu_HostCommand_Ext3(0x4661);
@@ -263,29 +259,29 @@ void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
         return Gpu_HostCommand_Ext3(0x0261);
     case GPU_81X_PLL_DEFAULT:
         return Gpu_HostCommand_Ext3(0x0061);
+    default:
+        return;
     }
 }
 
 void Gpu_81X_PowerOffComponents(Gpu_Hal_Context_t* /*host*/, uint8_t mask) {
-    ASSERT_NOT_EVE_1(538, "void Gpu_81X_PowerOffComponents(Gpu_Hal_Context_t*, uint8_t)");
+    NEEDS_EVE2_OR_EVE3(thisFile, 538, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(static_cast<uint32_t>(mask) << 8 | powerOffCommand);
 }
 
 void Gpu_81X_PadDriveStrength(Gpu_Hal_Context_t* /*host*/, GPU_81X_GPIO_DRIVE_STRENGTH_T strength,
                               GPU_81X_GPIO_GROUP_T group) {
-    ASSERT_NOT_EVE_1(553, "void Gpu_81X_PadDriveStrength(Gpu_Hal_Context_t*, "
-                          "GPU_81X_GPIO_DRIVE_STRENGTH_T, GPU_81X_GPIO_GROUP_T)");
-    Gpu_HostCommand_Ext3(static_cast<uint32_t>(strength) << 8 | static_cast<uint32_t>(group) << 8 |
-                         padDriveCommand);
+    NEEDS_EVE2_OR_EVE3(thisFile, 553, ONLY_EVE2_OR_EVE3);
+    Gpu_HostCommand_Ext3(strength << 8 | group << 8 | padDriveCommand);
 }
 
 void Gpu_81X_ResetActive() {
-    ASSERT_NOT_EVE_1(566, "void Gpu_81X_ResetActive()");
+    NEEDS_EVE2_OR_EVE3(thisFile, 566, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(resetActiveCommand);
 }
 
 void Gpu_81X_ResetRemoval() {
-    ASSERT_NOT_EVE_1(579, "void Gpu_81X_ResetRemoval()");
+    NEEDS_EVE2_OR_EVE3(thisFile, 579, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(resetRemovalCommand);
 }
 
@@ -300,7 +296,7 @@ void Gpu_Hal_Powercycle(bool up) {
 
 int Gpu_Hal_SetSPI(Gpu_Hal_Context_t* host, GPU_SPI_NUMCHANNELS_T channels,
                    GPU_SPI_NUMDUMMYBYTES dummies) {
-    if (DisplaySettings::getInstance()->getDisplayGeneration() == DisplaySettings::EVE_1) {
+    if (isEve1()) {
         return 0;
     }
     if ((dummies != GPU_SPI_ONE_DUMMY && dummies != GPU_SPI_TWO_DUMMY) ||

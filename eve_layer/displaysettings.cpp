@@ -4,6 +4,7 @@
 #include "eveassert.h"
 #include "generationtable.h"
 #include "paneltimings.h"
+#include "wakeup.h"
 
 namespace {
 
@@ -26,20 +27,6 @@ void assignVariant(const RegistryTable<Row>& table, std::size_t variant, Map& va
             values[key] = *row.values[variant];
         }
     }
-}
-
-// Powers the controller up, far enough for its memory to be read.
-void wakeUp(Gpu_Hal_Context_t* host, DisplaySettings::DisplayGeneration generation) {
-    Gpu_Hal_Init();
-    Gpu_Hal_Open(host);
-    Gpu_Hal_Powercycle(true);
-    if (generation != DisplaySettings::EVE_1) {
-        Gpu_Hal_SetSPI(host, GPU_SPI_SINGLE_CHANNEL, GPU_SPI_ONE_DUMMY);
-    }
-    Gpu_ClockSelect(GPU_CLOCK_EXTERNAL);
-    Gpu_PLL_FreqSelect(GPU_PLL_48MHZ);
-    Gpu_PowerModeSwitch(GPU_POWER_ACTIVE);
-    Gpu_Hal_Sleep(bootTimeMs);
 }
 
 } // namespace
@@ -93,7 +80,7 @@ void DisplaySettings::setDisplaySize(const DisplaySize& size) {
 
 bool DisplaySettings::autoDetectDisplayGeneration() {
     Gpu_Hal_Context_t host; // not closed: the display bring-up opens the board again
-    wakeUp(&host, m_displayGeneration);
+    wakeController(&host, m_displayGeneration, bootTimeMs);
     for (int read = 0; read < chipIdReads; ++read) {
         switch (Gpu_Hal_Rd32(&host, chipIdAddress)) {
         case chipIdEve3:

@@ -1,5 +1,6 @@
 #include "CoPro_Cmds.h"
 #include "drawingtest.h"
+#include "guardline.h"
 
 #include <algorithm>
 #include <iterator>
@@ -29,7 +30,7 @@ void expectFailure(void (*call)(Host*), const std::string& function, const std::
                     call(&host);
                 }),
                 ExitedWithCode(failedUntouched),
-                AllOf(HasSubstr(": eve_layer/CoPro_Cmds.cpp:"),
+                AllOf(NamesALineWithAGuard(),
                       HasSubstr(": " + function + ": Assertion `" + text + "' failed.\n")));
 }
 

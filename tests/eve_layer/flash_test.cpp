@@ -1,5 +1,6 @@
 #include "CoPro_Cmds.h"
 #include "drawingtest.h"
+#include "guardline.h"
 
 #include <algorithm>
 #include <iterator>
@@ -409,7 +410,7 @@ TEST_F(FlashDeathTest, EveryFunctionAbortsBeforeEve3BeforeAnythingIsSent) {
                             each.call(&context);
                         }),
                         ExitedWithCode(failedUntouched),
-                        AllOf(HasSubstr(": eve_layer/CoPro_Cmds.cpp:"),
+                        AllOf(NamesALineWithAGuard(),
                               HasSubstr(": " + std::string(each.signature) +
                                         ": Assertion `EVE3 && \"This function worked only on EVE3 "
                                         "device\"' failed.\n")));
