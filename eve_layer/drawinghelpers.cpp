@@ -14,10 +14,10 @@ namespace {
 constexpr std::array<uint32_t, 3> DLCODE_BOOTUP = {CLEAR_COLOR_RGB(0x000000), CLEAR(1, 1, 1),
                                                    DISPLAY()};
 
+constexpr int fadeSteps = 34;
 constexpr int fadeStep = 3;
 constexpr uint32_t fadeStepMs = 2;
-constexpr int fadeOutFrom = 100;
-constexpr int fadeInBelow = 102;
+constexpr int fadeOutFrom = 100; // to 1: the backlight is left on
 constexpr uint8_t fullBrightness = 128;
 
 constexpr unsigned quarterTurn = 0x4000;
@@ -39,6 +39,14 @@ constexpr std::array<uint16_t, 130> sintab = {
 
 void setBacklight(Gpu_Hal_Context_t* host, int duty) {
     Gpu_Hal_Wr8(host, EVE_REG("__REG_PWM_DUTY"), static_cast<uint8_t>(duty));
+}
+
+void fade(Gpu_Hal_Context_t* host, int duty, int change) {
+    for (int step = 0; step < fadeSteps; ++step) {
+        setBacklight(host, duty);
+        Gpu_Hal_Sleep(fadeStepMs);
+        duty += change;
+    }
 }
 
 } // namespace
@@ -75,17 +83,11 @@ void Gpu_ClearScreen(Gpu_Hal_Context_t* host) {
 }
 
 void fadeout(Gpu_Hal_Context_t* host) {
-    for (int duty = fadeOutFrom; duty > 0; duty -= fadeStep) {
-        setBacklight(host, duty);
-        Gpu_Hal_Sleep(fadeStepMs);
-    }
+    fade(host, fadeOutFrom, -fadeStep);
 }
 
 void fadein(Gpu_Hal_Context_t* host) {
-    for (int duty = 0; duty < fadeInBelow; duty += fadeStep) {
-        setBacklight(host, duty);
-        Gpu_Hal_Sleep(fadeStepMs);
-    }
+    fade(host, 0, fadeStep);
     setBacklight(host, fullBrightness);
 }
 

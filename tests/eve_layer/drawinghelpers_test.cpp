@@ -194,6 +194,17 @@ TEST_F(DrawingHelpers, PolarAppendsAVertex) {
                                                   0x40000000U | 0x7FF0U << 15 | 0x7FF0U));
 }
 
+TEST_F(DrawingHelpers, PolarAppendsThePointThatPolarxyGives) {
+    int x = 0;
+    int y = 0;
+    polarxy(10, 0x2000, &x, &y, 100, 50);
+    polar(&host, 10, 0x2000, 100, 50);
+    App_Flush_Co_Buffer(&host);
+    EXPECT_NE(x, y);
+    EXPECT_THAT(board.commandWords(), ElementsAre(0x40000000U | static_cast<uint32_t>(x) << 15 |
+                                                  static_cast<uint32_t>(y)));
+}
+
 TEST_F(DrawingHelpers, AnglesRelativeToABase) {
     EXPECT_FLOAT_EQ(da(360, 0), 32768);
     EXPECT_FLOAT_EQ(da(0, 90), -8192);
