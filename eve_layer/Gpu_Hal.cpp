@@ -407,7 +407,7 @@ uint32_t Fifo_GetFreeSpace(Gpu_Hal_Context_t* host, Fifo_t* fifo) {
     return space >= wordSize ? space - wordSize : space; // one word stays free
 }
 
-uint32_t Fifo_Write(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, uint32_t count) {
+uint32_t Fifo_Write(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint8_t* data, uint32_t count) {
     if (Fifo_GetFreeSpace(host, fifo) < count) {
         count = std::min(count, Fifo_GetFreeSpace(host, fifo));
     }
@@ -431,7 +431,7 @@ uint32_t Fifo_Write(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, 
     return count;
 }
 
-void Fifo_WriteWait(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, uint32_t count) {
+void Fifo_WriteWait(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint8_t* data, uint32_t count) {
     while (count > 0) {
         const uint32_t piece = std::min(Fifo_GetFreeSpace(host, fifo), count);
         const uint32_t written = Fifo_Write(host, fifo, data, piece);
@@ -441,7 +441,7 @@ void Fifo_WriteWait(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, 
 }
 
 void Fifo_Write32(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint32_t word) {
-    const std::array<uint8_t, wordSize> bytes = {byteOf(word, 0), byteOf(word, 8), byteOf(word, 16),
-                                                 byteOf(word, 24)};
+    std::array<uint8_t, wordSize> bytes = {byteOf(word, 0), byteOf(word, 8), byteOf(word, 16),
+                                           byteOf(word, 24)};
     Fifo_WriteWait(host, fifo, bytes.data(), wordSize);
 }

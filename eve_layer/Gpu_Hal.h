@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform.h"
+#include "../platform/platform.h"
 
 #include <cstdint>
 
@@ -9,69 +9,60 @@
 // and a few drawing helpers. All blocking, main thread only. Multi-byte values are little-endian on
 // the wire. Nothing here reports an SPI failure: a failed transfer reads as 0.
 
-enum GPU_TRANSFERDIR_T : uint32_t { GPU_READ = 0, GPU_WRITE = 1 };
+// The values that the functions below take are plain numbers with names.
 
-enum GPU_TRANSFERSTATE_T : uint32_t {
-    GPU_TRANSFER_IDLE = 0,
-    GPU_TRANSFER_READING = 1,
-    GPU_TRANSFER_WRITING = 2,
-    GPU_TRANSFER_CLOSED = 3, // after Gpu_Hal_Close()
-};
+using GPU_TRANSFERDIR_T = uint32_t;
+constexpr GPU_TRANSFERDIR_T GPU_READ = 0;
+constexpr GPU_TRANSFERDIR_T GPU_WRITE = 1;
+
+// What Gpu_Hal_Context_t::transfer_state holds.
+constexpr uint32_t GPU_TRANSFER_IDLE = 0;
+constexpr uint32_t GPU_TRANSFER_READING = 1;
+constexpr uint32_t GPU_TRANSFER_WRITING = 2;
+constexpr uint32_t GPU_TRANSFER_CLOSED = 3; // after Gpu_Hal_Close()
 
 // Each value of the next three is the host command itself.
-enum GPU_PLL_SOURCE_T : uint32_t { GPU_CLOCK_EXTERNAL = 0x44, GPU_CLOCK_INTERNAL = 0x48 };
+using GPU_PLL_SOURCE_T = uint32_t;
+constexpr GPU_PLL_SOURCE_T GPU_CLOCK_EXTERNAL = 0x44;
+constexpr GPU_PLL_SOURCE_T GPU_CLOCK_INTERNAL = 0x48;
 
-enum GPU_PLL_FREQ_T : uint32_t { GPU_PLL_36MHZ = 0x61, GPU_PLL_48MHZ = 0x62 }; // of EVE_1
+using GPU_PLL_FREQ_T = uint32_t; // of EVE_1
+constexpr GPU_PLL_FREQ_T GPU_PLL_36MHZ = 0x61;
+constexpr GPU_PLL_FREQ_T GPU_PLL_48MHZ = 0x62;
 
-enum GPU_POWER_MODE_T : uint32_t {
-    GPU_POWER_ACTIVE = 0x00,
-    GPU_POWER_STANDBY = 0x41,
-    GPU_POWER_SLEEP = 0x42,
-    GPU_POWER_DOWN = 0x50,
-};
+using GPU_POWER_MODE_T = uint32_t;
+constexpr GPU_POWER_MODE_T GPU_POWER_ACTIVE = 0x00;
+constexpr GPU_POWER_MODE_T GPU_POWER_STANDBY = 0x41;
+constexpr GPU_POWER_MODE_T GPU_POWER_SLEEP = 0x42;
+constexpr GPU_POWER_MODE_T GPU_POWER_DOWN = 0x50;
 
 // System clock of EVE_2 and EVE_3: the chip's default or a multiple of its 12 MHz crystal.
-enum GPU_81X_PLL_FREQ_T : uint32_t {
-    GPU_81X_PLL_DEFAULT = 0,
-    GPU_81X_PLL_24MHZ = 2,
-    GPU_81X_PLL_36MHZ = 3,
-    GPU_81X_PLL_48MHZ = 4,
-    GPU_81X_PLL_60MHZ = 5,
-    GPU_81X_PLL_72MHZ = 6,
-};
+using GPU_81X_PLL_FREQ_T = uint32_t;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_DEFAULT = 0;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_24MHZ = 2;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_36MHZ = 3;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_48MHZ = 4;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_60MHZ = 5;
+constexpr GPU_81X_PLL_FREQ_T GPU_81X_PLL_72MHZ = 6;
 
-// Drive strength of a group of the controller's pins, weakest first.
-enum GPU_81X_GPIO_DRIVE_STRENGTH_T : uint32_t {
-    GPU_81X_DRIVE_0 = 0,
-    GPU_81X_DRIVE_1 = 1,
-    GPU_81X_DRIVE_2 = 2,
-    GPU_81X_DRIVE_3 = 3,
-};
+// Drive strength, 0 (weakest) to 3, of one of the groups 0 to 7 of the controller's pins.
+using GPU_81X_GPIO_DRIVE_STRENGTH_T = uint32_t;
+using GPU_81X_GPIO_GROUP_T = uint32_t;
 
-enum GPU_81X_GPIO_GROUP_T : uint32_t {
-    GPU_81X_GPIO_GROUP_0 = 0,
-    GPU_81X_GPIO_GROUP_1 = 1,
-    GPU_81X_GPIO_GROUP_2 = 2,
-    GPU_81X_GPIO_GROUP_3 = 3,
-    GPU_81X_GPIO_GROUP_4 = 4,
-    GPU_81X_GPIO_GROUP_5 = 5,
-    GPU_81X_GPIO_GROUP_6 = 6,
-    GPU_81X_GPIO_GROUP_7 = 7,
-};
+using GPU_SPI_NUMCHANNELS_T = uint32_t;
+constexpr GPU_SPI_NUMCHANNELS_T GPU_SPI_SINGLE_CHANNEL = 0;
+constexpr GPU_SPI_NUMCHANNELS_T GPU_SPI_DUAL_CHANNEL = 1;
+constexpr GPU_SPI_NUMCHANNELS_T GPU_SPI_QUAD_CHANNEL = 2;
 
-enum GPU_SPI_NUMCHANNELS_T : uint32_t {
-    GPU_SPI_SINGLE_CHANNEL = 0,
-    GPU_SPI_DUAL_CHANNEL = 1,
-    GPU_SPI_QUAD_CHANNEL = 2,
-};
-
-enum GPU_SPI_NUMDUMMYBYTES : uint32_t { GPU_SPI_ONE_DUMMY = 1, GPU_SPI_TWO_DUMMY = 2 };
+using GPU_SPI_NUMDUMMYBYTES = uint32_t;
+constexpr GPU_SPI_NUMDUMMYBYTES GPU_SPI_ONE_DUMMY = 1;
+constexpr GPU_SPI_NUMDUMMYBYTES GPU_SPI_TWO_DUMMY = 2;
 
 // One opened controller. Owned by the caller; the functions below keep it up to date.
 struct Gpu_Hal_Context_t {
     uint16_t cmd_write_offset = 0; // where the command FIFO is written next: 0..4092, multiple of 4
     uint16_t dl_write_index = 0;
-    GPU_TRANSFERSTATE_T transfer_state = GPU_TRANSFER_IDLE;
+    uint32_t transfer_state = GPU_TRANSFER_IDLE;
     uint8_t spi_lanes = GPU_SPI_SINGLE_CHANNEL;  // a GPU_SPI_NUMCHANNELS_T
     uint8_t spi_dummy_count = GPU_SPI_ONE_DUMMY; // a GPU_SPI_NUMDUMMYBYTES
 };
@@ -204,10 +195,10 @@ void Fifo_Init(Fifo_t* fifo, uint32_t start, uint32_t length, uint32_t read_regi
 void Fifo_Update(Gpu_Hal_Context_t* host, Fifo_t* fifo);
 // Fetches the read offset and returns the free bytes, keeping back one word when there is more.
 uint32_t Fifo_GetFreeSpace(Gpu_Hal_Context_t* host, Fifo_t* fifo);
-// Writes as much of `data` as fits and returns how many bytes that was.
-uint32_t Fifo_Write(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, uint32_t count);
+// Writes as much of `data`, which is only read, as fits and returns how many bytes that was.
+uint32_t Fifo_Write(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint8_t* data, uint32_t count);
 // Writes all of `data`, waiting without a time-out while the ring is full.
-void Fifo_WriteWait(Gpu_Hal_Context_t* host, Fifo_t* fifo, const uint8_t* data, uint32_t count);
+void Fifo_WriteWait(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint8_t* data, uint32_t count);
 void Fifo_Write32(Gpu_Hal_Context_t* host, Fifo_t* fifo, uint32_t word);
 
 // ---- Drawing helpers ----
