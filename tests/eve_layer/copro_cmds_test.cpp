@@ -6,6 +6,7 @@
 #include <iterator>
 #include <ostream>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -133,6 +134,12 @@ const Case cases[] = {
             0x00000002, 0x00000003),
     COMMAND(AnimStart, eve3, "uint32_t, uint32_t, uint32_t", (h, 1, 4096, 2), 0xFFFFFF53,
             0x00000001, 0x00001000, 0x00000002),
+    COMMAND(Text, eve1, "", (h, 240, -83, 31, 0x600, "Wait"), 0xFFFFFF0C, 0xFFAD00F0, 0x0600001F,
+            0x74696157, 0x00000000),
+    COMMAND(Button, eve1, "", (h, 429, 8, 40, 30, 27, 0x100, ""), 0xFFFFFF0D, 0x000801AD,
+            0x001E0028, 0x0100001B, 0x00000000),
+    COMMAND(Toggle, eve1, "", (h, 1, 2, 3, 27, 0x100, 0xFFFF, "n\xFFy"), 0xFFFFFF12, 0x00020001,
+            0x001B0003, 0xFFFF0100, 0x0079FF6E),
     COMMAND(Number, eve1, "", (h, 1, 2, 29, 0x600, 12345), 0xFFFFFF2E, 0x00020001, 0x0600001D,
             0x00003039),
     COMMAND(Keys, eve1, "", (h, 10, 122, 460, 40, 29, 0x100, "12345"), 0xFFFFFF0E, 0x007A000A,
@@ -246,42 +253,39 @@ TEST_F(CoProTest, RegReadSendsZeroWhateverTheResultArgumentHolds) {
 
 constexpr uint16_t optFormat = 0x1000;
 
-TEST_F(CoProTest, TextPacksItsArgumentsAndPadsTheString) {
-    Gpu_CoCmd_Text(&host, 240, -83, 31, 0x600, "Wait");
-    EXPECT_THAT(flushedWords(),
-                ElementsAre(0xFFFFFF0C, 0xFFAD00F0, 0x0600001F, 0x74696157, 0x00000000));
+struct Formatted {
+    const char* name;
+    void (*call)(Host*);
+    Words words;
+};
+void PrintTo(const Formatted& each, std::ostream* out) {
+    *out << each.name;
 }
 
-TEST_F(CoProTest, ButtonPacksItsArguments) {
-    Gpu_CoCmd_Button(&host, 429, 8, 40, 30, 27, 0x100, "");
-    EXPECT_THAT(flushedWords(),
-                ElementsAre(0xFFFFFF0D, 0x000801AD, 0x001E0028, 0x0100001B, 0x00000000));
+const Formatted formatted[] = {
+    {"TextSendsAWordPerPercentSign",
+     [](Host* h) { Gpu_CoCmd_Text(h, 1, 2, 3, optFormat, "%d%%%d", 0xAABBCCDDU, 7U, 8U); },
+     {0xFFFFFF0C, 0x00020001, 0x10000003, 0x25256425, 0x00006425, 0xAABBCCDD, 7}},
+    {"ButtonDoesToo",
+     [](Host* h) { Gpu_CoCmd_Button(h, 1, 2, 3, 4, 5, optFormat, "%d%d%d", 1U, 2U, 3U); },
+     {0xFFFFFF0D, 0x00020001, 0x00040003, 0x10000005, 0x64256425, 0x00006425, 1, 2, 3}},
+    {"ToggleDoesToo",
+     [](Host* h) { Gpu_CoCmd_Toggle(h, 1, 2, 3, 4, optFormat, 5, "%d\xFF%d", 4U, 5U); },
+     {0xFFFFFF12, 0x00020001, 0x00040003, 0x00051000, 0x25FF6425, 0x00000064, 4, 5}},
+    {"NoValuesWithoutTheOption",
+     [](Host* h) { Gpu_CoCmd_Text(h, 1, 2, 3, 0xEFFF, "%d", 7U); },
+     {0xFFFFFF0C, 0x00020001, 0xEFFF0003, 0x00006425}},
+};
+
+class FormattedText : public DrawingTest, public testing::WithParamInterface<Formatted> {};
+
+TEST_P(FormattedText, SendsItsWordsOnEve3) {
+    GetParam().call(&host);
+    EXPECT_EQ(flushedWords(), GetParam().words);
 }
 
-TEST_F(CoProTest, TogglePacksItsArguments) {
-    Gpu_CoCmd_Toggle(&host, 1, 2, 3, 27, 0x100, 0xFFFF, "n\xFFy");
-    EXPECT_THAT(flushedWords(),
-                ElementsAre(0xFFFFFF12, 0x00020001, 0x001B0003, 0xFFFF0100, 0x0079FF6E));
-}
-
-TEST_F(CoProTest, FormattedTextSendsOneWordPerPercentSignOnEve3) {
-    Gpu_CoCmd_Text(&host, 1, 2, 3, optFormat, "%d%%%d", 0xAABBCCDDU, 7U, 8U);
-    EXPECT_THAT(flushedWords(), ElementsAre(0xFFFFFF0C, 0x00020001, 0x10000003, 0x25256425,
-                                            0x00006425, 0xAABBCCDD, 7));
-}
-
-TEST_F(CoProTest, FormattedButtonAndToggleSendTheirValuesToo) {
-    Gpu_CoCmd_Button(&host, 1, 2, 3, 4, 5, optFormat, "%d%d%d", 1U, 2U, 3U);
-    Gpu_CoCmd_Toggle(&host, 1, 2, 3, 4, optFormat, 5, "%d\xFF%d", 4U, 5U);
-    EXPECT_THAT(flushedWords(), ElementsAre(0xFFFFFF0D, 0x00020001, 0x00040003, 0x10000005,
-                                            0x64256425, 0x00006425, 1, 2, 3, 0xFFFFFF12, 0x00020001,
-                                            0x00040003, 0x00051000, 0x25FF6425, 0x00000064, 4, 5));
-}
-
-TEST_F(CoProTest, WithoutTheFormatOptionNoValuesAreSent) {
-    Gpu_CoCmd_Text(&host, 1, 2, 3, 0xEFFF, "%d", 7U);
-    EXPECT_THAT(flushedWords(), ElementsAre(0xFFFFFF0C, 0x00020001, 0xEFFF0003, 0x00006425));
-}
+INSTANTIATE_TEST_SUITE_P(CoPro, FormattedText, testing::ValuesIn(formatted),
+                         [](const auto& instance) { return instance.param.name; });
 
 // COUNT_ARGS() would end the process there.
 TEST_F(CoProTest, TheFormatOptionBitSendsNoValuesAndCountsNothingBeforeEve3) {
@@ -294,22 +298,17 @@ TEST_F(CoProTest, TheFormatOptionBitSendsNoValuesAndCountsNothingBeforeEve3) {
     }
 }
 
-TEST_F(CoProTest, CountArgsCountsPercentSignsButNotDoubledOnes) {
-    EXPECT_EQ(COUNT_ARGS(""), 0);
-    EXPECT_EQ(COUNT_ARGS("plain"), 0);
-    EXPECT_EQ(COUNT_ARGS("%d%%%s"), 2);
-    EXPECT_EQ(COUNT_ARGS("100%%"), 0);
-    EXPECT_EQ(COUNT_ARGS("100%"), 1);
-    EXPECT_EQ(COUNT_ARGS("%%%"), 1);
-    EXPECT_EQ(COUNT_ARGS("%%%%"), 0);
-}
-
-TEST_F(CoProTest, CountArgsWrapsModulo256) {
-    std::string text;
-    for (int i = 0; i < 257; ++i) {
-        text += "%d";
+TEST_F(CoProTest, CountArgsCountsPercentSignsButNotDoubledOnesModulo256) {
+    std::string many(2 * 257, '%');
+    for (std::size_t i = 1; i < many.size(); i += 2) {
+        many[i] = 'd';
     }
-    EXPECT_EQ(COUNT_ARGS(text.c_str()), 1);
+    const std::pair<std::string, int> counts[] = {{"", 0},      {"plain", 0}, {"%d%%%s", 2},
+                                                  {"100%%", 0}, {"100%", 1},  {"%%%", 1},
+                                                  {"%%%%", 0},  {many, 1}};
+    for (const auto& [text, count] : counts) {
+        EXPECT_EQ(COUNT_ARGS(text.c_str()), count) << text;
+    }
 }
 
 using CoProDeathTest = CoProTest;
