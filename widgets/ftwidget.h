@@ -1,11 +1,12 @@
 #pragma once
 
+#include "../eve_layer/Gpu_Hal.h"
+
 #include <QObject>
 
 #include <cstdint>
 
 class QTimer;
-struct Gpu_Hal_Context_t;
 
 // Base of every screen. exec() draws the screen and returns; from then on the screen lives on a
 // single-shot timer of the event loop, which reads the touched tag, calls buttonPressed() and

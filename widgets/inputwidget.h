@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "../eve_layer/Gpu_Hal.h"
 
-struct Gpu_Hal_Context_t;
+#include <QString>
 
 // A full-screen numeric keypad.
 class InputWidget {

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "../client/datareader.h"
 #include "ftwidget.h"
-
-class DataReader;
 
 // "Options": the time constant and the four trigger levels as the instrument client has them, each
 // with a button that opens the keypad to set it. While the keypad is up, the event loop stands

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "datareaderdata.h"
+#include "../client/datareaderdata.h"
 #include "ftwidget.h"
 
 #include <array>
