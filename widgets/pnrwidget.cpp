@@ -12,6 +12,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace {
@@ -92,12 +93,18 @@ void drawHeldCounterButton(Gpu_Hal_Context_t* host) {
     drawCounterIcon(host);
 }
 
+// The height of the bar of `bin` where `largest`, which no bin exceeds, has a full one. That of an
+// infinite bin, or of one that is not a number, is not above zero.
+double heightOf(double bin, double largest) {
+    const double scaled = bin * fullBarHeight;
+    return std::isfinite(scaled) ? scaled / largest : bin / largest * fullBarHeight;
+}
+
 // A bar standing on `bottomLeft`; none if it has no height.
 void drawBar(Gpu_Hal_Context_t* host, Point bottomLeft, uint32_t width, double height) {
     if (height > 0) {
-        // Bins beyond the range of a double would otherwise give a line that no integer holds.
-        const double top = std::max(bottomLeft.y - height, 0.0);
-        addVertices(host, {bottomLeft, {bottomLeft.x + width, static_cast<uint32_t>(top)}});
+        const auto top = static_cast<uint32_t>(bottomLeft.y - height);
+        addVertices(host, {bottomLeft, {bottomLeft.x + width, top}});
     }
 }
 
@@ -160,9 +167,7 @@ void PNRWidget::drawBars() const {
     for (const double bin : m_bins) {
         largest = std::max(largest, bin);
     }
-    const auto barHeight = [&](std::size_t bin) {
-        return m_bins.at(bin) * fullBarHeight / largest;
-    };
+    const auto barHeight = [&](std::size_t bin) { return heightOf(m_bins.at(bin), largest); };
 
     setColor(host(), palette::barOutline);
     beginShape(host(), EVE_REG("__RECTS"));

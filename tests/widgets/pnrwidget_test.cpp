@@ -88,6 +88,9 @@ const std::string accumulateIcon = "BEGIN BITMAPS\nVERTEX2II (19,10,handle 1,cel
 const std::string latestIcon = "BEGIN BITMAPS\nVERTEX2II (23,14)\nEND\n";
 const std::string heldModeButton = "FGCOLOR 007C9E\nBUTTON 10 8 40 40 font 27 FLAT \"\"\n";
 
+constexpr double largest = std::numeric_limits<double>::max();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
 // A sample that gives these bins.
 DataReaderData sampleOf(double b0, double b1, double b2, double b3) {
     return {{b0 + b1 + b2 + b3, b1 + b2 + b3, b2 + b3, b3}};
@@ -187,15 +190,40 @@ TEST_F(PNRWidgetTest, ANegativeBinDrawsNoBarButItsLabelShowsTheValue) {
                      labels({"    -5", "    15", "     0", "     0"}) + accumulateIcon));
 }
 
-TEST_F(PNRWidgetTest, BinsBeyondTheRangeOfADoubleStayOnThePanel) {
+TEST_F(PNRWidgetTest, BinsCloseToTheEndOfADoublesRangeAreInProportionLikeOthers) {
     show();
-    const double huge = std::numeric_limits<double>::max();
-    EXPECT_EQ(drawnFor({{huge, 0, 0, 0}}),
-              redraw(bars("(30,259) (120,0)", "(32,257) (118,0)") +
-                     labels({"1.798e+308", "     0", "     0", "     0"}) + accumulateIcon));
-    // Infinity over infinity is no number, and no bar.
-    EXPECT_EQ(drawnFor({{huge, 0, 0, 0}}),
+    const std::string full = bars("(30,259) (120,84)", "(32,257) (118,86)");
+    EXPECT_EQ(drawnFor({{1e307, 0, 0, 0}}),
+              redraw(full + labels({"1e+307", "     0", "     0", "     0"}) + accumulateIcon));
+    screen.clear();
+    EXPECT_EQ(drawnFor({{1.6e308, 0, 0, 0}}),
+              redraw(full + labels({"1.6e+308", "     0", "     0", "     0"}) + accumulateIcon));
+    EXPECT_EQ(drawnFor({{0.8e308, 0.8e308, 0, 0}}),
+              redraw(bars("(30,259) (120,84) (140,259) (230,171)",
+                          "(32,257) (118,86) (142,257) (228,173)") +
+                     labels({"1.6e+308", "8e+307", "     0", "     0"}) + accumulateIcon));
+}
+
+TEST_F(PNRWidgetTest, AnInfiniteBinHasNoBarAndLeavesTheOthersNone) {
+    show();
+    screen.updateData({{largest, 0, 0, 0}});
+    EXPECT_EQ(drawnFor({{largest, 0, 0, 0}}), // the sum is beyond the range of a double
               redraw(noBars + labels({"   inf", "     0", "     0", "     0"}) + accumulateIcon));
+    EXPECT_EQ(drawnFor({{0, 0, 0, largest}}),
+              redraw(noBars + labels({"   inf", "     0", "-1.798e+308", "1.798e+308"}) +
+                     accumulateIcon));
+}
+
+TEST_F(PNRWidgetTest, ABinThatIsMinusInfinityOrNoNumberHasNoBarAndTheOthersHaveTheirs) {
+    show();
+    const std::string bar = bars("(360,259) (450,84)", "(362,257) (448,86)");
+    EXPECT_EQ(drawnFor({{0, infinity, 8, 8}}),
+              redraw(noBars + labels({"  -inf", "   inf", "     0", "     8"}) + accumulateIcon));
+    EXPECT_EQ(drawnFor({{0, -infinity, 0, 0}}), // infinity less infinity
+              redraw(bar + labels({"   nan", "   nan", "     0", "     8"}) + accumulateIcon));
+    screen.clear();
+    EXPECT_EQ(drawnFor({{-infinity, 0, 8, 8}}),
+              redraw(bar + labels({"  -inf", "    -8", "     0", "     8"}) + accumulateIcon));
 }
 
 TEST_F(PNRWidgetTest, AddsUpSamplesAtFirst) {
