@@ -56,14 +56,17 @@ void FTWidget::update() {
 }
 
 void FTWidget::loop() {
+    if (!m_host) {
+        terminate();
+    }
     if (m_stopped) {
         return;
     }
     if (m_keyProcess) {
         processTouch();
     }
-    // A handler of the touch may just have terminated the screen.
-    if (m_updateRequested && !m_stopped) {
+    // A handler of the touch may just have terminated the screen or taken its host away.
+    if (m_host && m_updateRequested && !m_stopped) {
         redraw();
     }
     m_timer->start(m_sleepTimer);

@@ -19,7 +19,8 @@ class FTWidget : public QObject {
     Q_OBJECT
 
 public:
-    // `host` is not owned and must outlive the screen. With a null host, exec() does nothing.
+    // `host` is not owned and must outlive the screen. A screen without one, null here or later,
+    // terminates at exec() or at its next pass and draws nothing.
     explicit FTWidget(Gpu_Hal_Context_t* host);
 
     virtual void setup() = 0;
@@ -33,6 +34,7 @@ public:
     void loop();
 
     Gpu_Hal_Context_t* host() const { return m_host; }
+    // Not from setup() or updateGUI(), which are drawing on the old one.
     void setHost(Gpu_Hal_Context_t* host) { m_host = host; }
 
     bool isStoped() const { return m_stopped; }

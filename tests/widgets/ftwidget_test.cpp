@@ -126,6 +126,31 @@ TEST_F(FTWidgetTest, ExecOnANullHostEndsAtOnceWithoutTouchingTheDisplay) {
     EXPECT_FALSE(screen.timerArmed());
 }
 
+TEST_F(FTWidgetTest, APassWithoutAHostTerminatesTheScreenWithoutTouchingTheDisplay) {
+    showWithTouches();
+    screen.update();
+    screen.setHost(nullptr);
+    EXPECT_FALSE(screen.isStoped());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !screen.timerArmed(); }, 10000));
+    EXPECT_TRUE(screen.isStoped());
+    EXPECT_THAT(screen.calls, IsEmpty());
+    EXPECT_THAT(board.events(), IsEmpty());
+}
+
+TEST_F(FTWidgetTest, AHandlerThatTakesTheHostAwayEndsTheScreenAtItsNextPass) {
+    showWithTouches();
+    screen.onRelease = [&] { screen.setHost(nullptr); };
+    passTouching(7);
+    screen.takeCalls();
+    passTouching(0);
+    EXPECT_THAT(screen.takeCalls(), ElementsAre("released 7"));
+    passTouching(0);
+    EXPECT_TRUE(screen.isStoped());
+    screen.setHost(&host);
+    screen.exec();
+    EXPECT_FALSE(screen.isStoped());
+}
+
 TEST_F(FTWidgetTest, PassesFollowEachOtherAtTheSleepTimersPace) {
     screen.setSleepTimer(7);
     screen.exec();
