@@ -74,17 +74,17 @@ void FTWidget::loop() {
 
 void FTWidget::processTouch() {
     const int tag = readTouchTag(m_host);
-    if (tag != noTouch) {
-        if (m_pressedTag == noTouch) {
-            buttonPressed(tag);
-        }
-        m_pressedTag = tag;
-    } else {
-        if (m_pressedTag != noTouch) {
-            buttonReleased(m_pressedTag);
-        }
-        m_pressedTag = noTouch;
+    switch (touchChange(m_pressedTag, tag)) {
+    case TouchChange::Press:
+        buttonPressed(tag);
+        break;
+    case TouchChange::Release:
+        buttonReleased(m_pressedTag);
+        break;
+    case TouchChange::None:
+        break;
     }
+    m_pressedTag = tag;
 }
 
 void FTWidget::redraw() {

@@ -15,6 +15,7 @@
 
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -85,16 +86,14 @@ public:
         bool frameDue = true; // the first one, before any touch
         for (;;) {
             const int tag = readTouchTag(m_host);
-            if (tag != noTouch) {
-                frameDue = frameDue || m_heldKey == noTouch;
-                m_heldKey = tag;
-            } else if (m_heldKey != noTouch) {
-                if (const std::optional<double> result = releaseKey()) {
+            const TouchChange change = touchChange(m_heldKey, tag);
+            const int lastKey = std::exchange(m_heldKey, tag);
+            if (change == TouchChange::Release) {
+                if (const std::optional<double> result = enter(lastKey)) {
                     return *result;
                 }
-                frameDue = true;
             }
-            if (frameDue) {
+            if (frameDue || change != TouchChange::None) {
                 drawFrame();
                 frameDue = false;
             }
@@ -103,10 +102,8 @@ public:
     }
 
 private:
-    // Acts on the key just released. A value when that leaves the keypad.
-    std::optional<double> releaseKey() {
-        const int key = m_heldKey;
-        m_heldKey = noTouch;
+    // Acts on a key that has been released. A value when that leaves the keypad.
+    std::optional<double> enter(int key) {
         if (key == backButton.tag) {
             return noNumber;
         }
