@@ -16,9 +16,16 @@
 
 namespace {
 
-// The top left corner of each channel's box.
-constexpr std::array<Point, 4> boxes{{{10, 58}, {245, 58}, {10, 165}, {245, 165}}};
-constexpr std::array<const char*, 4> channelNumbers{"0", "1", "2", "3"};
+// The box of each channel.
+struct Box {
+    Point topLeft;
+    const char* channel;
+    bool recoloured; // the badges' colour is set once more before this one
+};
+constexpr std::array<Box, 4> boxes{{{{10, 58}, "0", false},
+                                    {{245, 58}, "1", false},
+                                    {{10, 165}, "2", false},
+                                    {{245, 165}, "3", true}}};
 
 // Positions within a box. The badge is the corner that a diagonal cuts off.
 constexpr Point boxSize{225, 97};
@@ -51,43 +58,41 @@ void drawButtonRow(Gpu_Hal_Context_t* host) {
     drawStartIcon(host, palette::buttonFace);
 }
 
-void drawBoxes(Gpu_Hal_Context_t* host) {
-    for (const Point box : boxes) {
-        drawOutline(host, box, box + boxSize);
+void drawFrames(Gpu_Hal_Context_t* host) {
+    for (const Box& box : boxes) {
+        drawOutline(host, box.topLeft, box.topLeft + boxSize);
     }
-}
-
-void fillBadge(Gpu_Hal_Context_t* host, Point box) {
-    drawShape(host, EVE_REG("__EDGE_STRIP_A"), {box + badgeTop, box + badgeBottom});
 }
 
 void moveScissor(Gpu_Hal_Context_t* host, Point topLeft) {
     App_WrCoCmd_Buffer(host, SCISSOR_XY(topLeft.x, topLeft.y));
 }
 
-void drawBadges(Gpu_Hal_Context_t* host) {
+void fillBadges(Gpu_Hal_Context_t* host) {
     setColor(host, palette::buttonFace);
-    for (const Point& box : boxes) {
-        moveScissor(host, box + badgeFill);
-        if (&box == &boxes.back()) {
+    for (const Box& box : boxes) {
+        moveScissor(host, box.topLeft + badgeFill);
+        if (box.recoloured) {
             setColor(host, palette::buttonFace);
         }
-        fillBadge(host, box);
+        drawShape(host, EVE_REG("__EDGE_STRIP_A"),
+                  {box.topLeft + badgeTop, box.topLeft + badgeBottom});
     }
+}
 
+void outlineBadges(Gpu_Hal_Context_t* host) {
     setColor(host, palette::ink);
     moveScissor(host, {0, 0});
     beginShape(host, EVE_REG("__LINES"));
-    for (const Point box : boxes) {
-        addVertices(host, {box + badgeTop, box + badgeBottom});
+    for (const Box& box : boxes) {
+        addVertices(host, {box.topLeft + badgeTop, box.topLeft + badgeBottom});
     }
     endShape(host);
 }
 
 void drawChannelNumbers(Gpu_Hal_Context_t* host) {
-    for (std::size_t channel = 0; channel < boxes.size(); ++channel) {
-        drawCentredText(host, boxes.at(channel) + channelNumberCentre, 28,
-                        channelNumbers.at(channel));
+    for (const Box& box : boxes) {
+        drawCentredText(host, box.topLeft + channelNumberCentre, 28, box.channel);
     }
 }
 
@@ -112,14 +117,15 @@ void CounterWidget::setup() {
     setColor(host(), palette::ink);
     drawCentredText(host(), {160, 28}, 30, "COUNTER MODE");
     drawButtonRow(host());
-    drawBoxes(host());
-    drawBadges(host());
+    drawFrames(host());
+    fillBadges(host());
+    outlineBadges(host());
     drawChannelNumbers(host());
 }
 
 void CounterWidget::updateGUI() {
     for (std::size_t channel = 0; channel < boxes.size(); ++channel) {
-        drawRightAlignedText(host(), boxes.at(channel) + valueRightEnd, 31,
+        drawRightAlignedText(host(), boxes.at(channel).topLeft + valueRightEnd, 31,
                              formatValue(m_values.at(channel)));
     }
 

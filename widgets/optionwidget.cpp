@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -26,9 +27,8 @@ constexpr uint32_t rowCount = labels.size();
 constexpr uint32_t firstRowTop = 60;
 constexpr uint32_t rowHeight = 40;
 
-constexpr int timeConstTag = 2;
-constexpr int firstTriggerTag = 3;
-constexpr int lastTriggerTag = 6;
+constexpr uint32_t timeConstRow = 0;
+constexpr uint32_t firstTriggerRow = 1;
 
 constexpr uint32_t rowTop(uint32_t row) {
     return firstRowTop + rowHeight * row;
@@ -40,7 +40,23 @@ constexpr uint32_t textLine(uint32_t row) {
 }
 
 constexpr Button setButton(uint32_t row) {
-    return {timeConstTag + static_cast<int>(row), {400, rowTop(row) + 5}, 60, 30, 27, "Set"};
+    const int tag = backButton.tag + 1 + static_cast<int>(row);
+    return {tag, {400, rowTop(row) + 5}, 60, 30, 27, "Set"};
+}
+
+// The row whose "Set" button has the tag.
+std::optional<uint32_t> rowOf(int tag) {
+    for (uint32_t row = 0; row < rowCount; ++row) {
+        if (setButton(row).tag == tag) {
+            return row;
+        }
+    }
+    return std::nullopt;
+}
+
+// The channel whose trigger level is in the row.
+constexpr int channelOf(uint32_t row) {
+    return static_cast<int>(row - firstTriggerRow);
 }
 
 void drawButtons(Gpu_Hal_Context_t* host) {
@@ -105,10 +121,10 @@ void OptionWidget::updateGUI() {
     }
 
     const DataReaderParams params = m_client->getParams();
-    drawValue(host(), 0, QStringLiteral("%1 sec").arg(params.timeConst));
-    for (uint32_t row = 1; row < rowCount; ++row) {
-        drawValue(host(), row,
-                  QStringLiteral("%1 mV").arg(params.ref[row - 1] * millivoltsPerVolt));
+    drawValue(host(), timeConstRow, QStringLiteral("%1 sec").arg(params.timeConst));
+    for (uint32_t row = firstTriggerRow; row < rowCount; ++row) {
+        const double millivolts = params.ref[channelOf(row)] * millivoltsPerVolt;
+        drawValue(host(), row, QStringLiteral("%1 mV").arg(millivolts));
     }
 }
 
@@ -118,10 +134,11 @@ void OptionWidget::buttonReleased(int tag) {
         terminate();
         return;
     }
-    if (tag == timeConstTag) {
+    const std::optional<uint32_t> row = rowOf(tag);
+    if (row == timeConstRow) {
         askTimeConst();
-    } else if (tag >= firstTriggerTag && tag <= lastTriggerTag) {
-        askTriggerLevel(tag - firstTriggerTag);
+    } else if (row) {
+        askTriggerLevel(channelOf(*row));
     }
     FTWidget::buttonReleased(tag);
 }

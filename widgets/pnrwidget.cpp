@@ -38,11 +38,12 @@ constexpr double fullBarHeight = 175;
 struct Tile {
     Point topLeft;
     Point bottomRight;
+    bool recoloured; // the outlines' colour is set before this one
 };
-constexpr std::array<Tile, 4> tiles{{{{378, 15}, {392, 27}},
-                                     {{396, 15}, {410, 27}},
-                                     {{396, 31}, {410, 43}},
-                                     {{378, 31}, {392, 43}}}};
+constexpr std::array<Tile, 4> tiles{{{{378, 15}, {392, 27}, true},
+                                     {{396, 15}, {410, 27}, false},
+                                     {{396, 31}, {410, 43}, true},
+                                     {{378, 31}, {392, 43}, false}}};
 
 void defineIcon(Gpu_Hal_Context_t* host, const Icon& icon) {
     App_WrCoCmd_Buffer(host, BITMAP_HANDLE(icon.handle));
@@ -65,9 +66,8 @@ void drawCounterIcon(Gpu_Hal_Context_t* host) {
     }
     endShape(host);
 
-    setColor(host, palette::barOutline);
     for (const Tile& tile : tiles) {
-        if (&tile == &tiles[2]) {
+        if (tile.recoloured) {
             setColor(host, palette::barOutline);
         }
         drawOutline(host, tile.topLeft, tile.bottomRight);
