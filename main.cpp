@@ -53,12 +53,12 @@ int main(int argc, char* argv[]) {
 
     CounterWidget counter(&host);
     PNRWidget histogram(&host);
-    bool returnToCounter = false;
+    WayBack wayBack;
     connectToClient(counter, client);
     connectToClient(histogram, client);
-    connectMeasurementScreens(counter, histogram, client, returnToCounter);
+    connectMeasurementScreens(counter, histogram, client, wayBack);
     OptionWidget options(&host, &client);
-    connectOptionsScreen(counter, histogram, options, returnToCounter);
+    connectOptionsScreen(counter, histogram, options, wayBack);
 
     counter.exec();
     return QCoreApplication::exec();

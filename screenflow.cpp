@@ -15,16 +15,16 @@ void onSignal(Sender& sender, void (Sender::*signal)(), Handler handler) {
 } // namespace
 
 void connectMeasurementScreens(CounterWidget& counter, PNRWidget& histogram, DataReader& client,
-                               bool& returnToCounter) {
+                               WayBack& wayBack) {
     onSignal(counter, &CounterWidget::gotoHistogram, [&] {
-        returnToCounter = false;
+        wayBack.toCounter = false;
         counter.setStarted(false);
         client.stop();
         histogram.clear();
         histogram.exec();
     });
     onSignal(histogram, &PNRWidget::gotoCounts, [&] {
-        returnToCounter = true;
+        wayBack.toCounter = true;
         histogram.setStarted(false);
         client.stop();
         counter.exec();
@@ -32,17 +32,17 @@ void connectMeasurementScreens(CounterWidget& counter, PNRWidget& histogram, Dat
 }
 
 void connectOptionsScreen(CounterWidget& counter, PNRWidget& histogram, OptionWidget& options,
-                          bool& returnToCounter) {
+                          WayBack& wayBack) {
     onSignal(counter, &CounterWidget::gotoOptions, [&] {
-        returnToCounter = true;
+        wayBack.toCounter = true;
         options.exec();
     });
     onSignal(histogram, &PNRWidget::gotoOptions, [&] {
-        returnToCounter = false;
+        wayBack.toCounter = false;
         options.exec();
     });
     onSignal(options, &OptionWidget::backClicked, [&] {
-        if (returnToCounter) {
+        if (wayBack.toCounter) {
             counter.exec();
         } else {
             histogram.exec();

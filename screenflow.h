@@ -15,6 +15,11 @@ class CounterWidget;
 class OptionWidget;
 class PNRWidget;
 
+// Where the options screen leads back to.
+struct WayBack {
+    bool toCounter = false; // else to the histogram screen
+};
+
 // Lets a measurement screen start and stop runs, and shows it every sample, also while it is not on
 // the display.
 template<class Screen>
@@ -27,9 +32,9 @@ void connectToClient(Screen& screen, DataReader& client) {
 // The way between the two measurement screens. It ends a running measurement and, towards the
 // histogram, empties it.
 void connectMeasurementScreens(CounterWidget& counter, PNRWidget& histogram, DataReader& client,
-                               bool& returnToCounter);
+                               WayBack& wayBack);
 
-// The way to the options screen and back to where the user came from, which is kept in
-// `returnToCounter` (true: counter screen, false: histogram screen). A run goes on meanwhile.
+// The way to the options screen and back to where the user came from, which is kept in `wayBack`. A
+// run goes on meanwhile.
 void connectOptionsScreen(CounterWidget& counter, PNRWidget& histogram, OptionWidget& options,
-                          bool& returnToCounter);
+                          WayBack& wayBack);

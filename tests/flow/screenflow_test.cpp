@@ -38,8 +38,8 @@ protected:
         server.answer("START", {"Ok\n"});
         connectToClient(counter, client);
         connectToClient(histogram, client);
-        connectMeasurementScreens(counter, histogram, client, returnToCounter);
-        connectOptionsScreen(counter, histogram, options, returnToCounter);
+        connectMeasurementScreens(counter, histogram, client, wayBack);
+        connectOptionsScreen(counter, histogram, options, wayBack);
         counter.exec();
         drawn();
     }
@@ -72,7 +72,7 @@ protected:
     DataReader client;
     CounterWidget counter{&host};
     PNRWidget histogram{&host};
-    bool returnToCounter = false;
+    WayBack wayBack;
     OptionWidget options{&host, &client};
 
 private:
@@ -155,16 +155,23 @@ TEST_F(ScreenFlowTest, HistogramToOptionsAndBackReturnsToTheHistogramScreen) {
     EXPECT_THAT(shown(), ElementsAre("histogram"));
 }
 
+TEST_F(ScreenFlowTest, BackBeforeAnyWayInLeadsToTheHistogramScreen) {
+    counter.terminate();
+    emit options.backClicked();
+    EXPECT_THAT(drawn(), HasSubstr("\"PNR MODE\""));
+    EXPECT_THAT(shown(), ElementsAre("histogram"));
+}
+
 TEST_F(ScreenFlowTest, TheWayBackFollowsTheLatestWayIn) {
     tap(counter, openOptions);
     tap(options, back);
-    EXPECT_TRUE(returnToCounter);
+    EXPECT_TRUE(wayBack.toCounter);
     tap(counter, otherScreen);
-    EXPECT_FALSE(returnToCounter);
+    EXPECT_FALSE(wayBack.toCounter);
     tap(histogram, openOptions);
     tap(options, back);
     tap(histogram, otherScreen);
-    EXPECT_TRUE(returnToCounter);
+    EXPECT_TRUE(wayBack.toCounter);
     tap(counter, openOptions);
     tap(options, back);
     EXPECT_THAT(shown(), ElementsAre("counter"));
