@@ -38,9 +38,7 @@ private:
 
 class BringUpOnModel : public TransfersOnModel, public testing::WithParamInterface<Generation> {};
 
-INSTANTIATE_TEST_SUITE_P(Generations, BringUpOnModel,
-                         testing::Values(Generation::E1, Generation::E2, Generation::E3),
-                         [](const auto& generation) { return nameOf(generation.param); });
+INSTANTIATE_TEST_SUITE_P(Generations, BringUpOnModel, everyGeneration, generationOf);
 
 TEST_P(BringUpOnModel, LeavesThePanelScanningSwitchedOnAndLit) {
     bringUp(GetParam());

@@ -84,9 +84,7 @@ protected:
     std::vector<int> m_dots; // x * 1000 + y
 };
 
-INSTANTIATE_TEST_SUITE_P(Generations, CalibrationOnModel,
-                         testing::Values(Generation::E1, Generation::E2, Generation::E3),
-                         [](const auto& generation) { return nameOf(generation.param); });
+INSTANTIATE_TEST_SUITE_P(Generations, CalibrationOnModel, everyGeneration, generationOf);
 
 TEST_P(CalibrationOnModel, ThreeTapsOnTheDotsGiveTheTouchTransform) {
     fit(GetParam());

@@ -134,9 +134,7 @@ private:
     std::map<int, Picture> m_pictures;
 };
 
-INSTANTIATE_TEST_SUITE_P(Generations, LogoOnModel,
-                         testing::Values(Generation::E1, Generation::E2, Generation::E3),
-                         [](const auto& generation) { return nameOf(generation.param); });
+INSTANTIATE_TEST_SUITE_P(Generations, LogoOnModel, everyGeneration, generationOf);
 
 // The cleared screen is written over the last of the 120 frames while that still waits for its
 // swap.

@@ -1,6 +1,7 @@
 #include "onmodel.h"
 
 #include "App_Common.h"
+#include "CoPro_Cmds.h"
 #include "displaysettings.h"
 #include "startup.h"
 
@@ -24,6 +25,15 @@ DisplaySettings::DisplayGeneration registryGeneration(controller::Generation gen
 
 std::string nameOf(controller::Generation generation) {
     return "E" + std::to_string(static_cast<int>(generation) + 1);
+}
+
+std::string generationOf(const testing::TestParamInfo<controller::Generation>& test) {
+    return nameOf(test.param);
+}
+
+void tapAfter(controller::Nanoseconds delay, int x, int y) {
+    modelboard::after(delay, [x, y] { modelboard::controller().touch(x, y); });
+    modelboard::after(delay + milliseconds(100), [] { modelboard::controller().release(); });
 }
 
 OnModel::OnModel() {
@@ -57,9 +67,15 @@ void OnModel::complete() {
     Gpu_Hal_WaitCmdfifo_empty(&host);
 }
 
-void OnModel::tapAfter(controller::Nanoseconds delay, int x, int y) {
-    modelboard::after(delay, [x, y] { modelboard::controller().touch(x, y); });
-    modelboard::after(delay + milliseconds(100), [] { modelboard::controller().release(); });
+bool OnModel::showsAFrame() {
+    Gpu_CoCmd_Dlstart(&host);
+    App_WrCoCmd_Buffer(&host, 0x02123456); // CLEAR_COLOR_RGB
+    App_WrCoCmd_Buffer(&host, 0x26000007); // CLEAR
+    App_WrCoCmd_Buffer(&host, 0x00000000); // DISPLAY
+    Gpu_CoCmd_Swap(&host);
+    complete();
+    modelboard::pass(milliseconds(50));
+    return picture().at(240, 136) == 0xFF123456;
 }
 
 bool OnModel::coprocessorIsIdle() const {

@@ -27,6 +27,14 @@ constexpr controller::Nanoseconds seconds(controller::Nanoseconds count) {
 // "E1" and the like: names for tests that run once per generation.
 std::string nameOf(controller::Generation generation);
 
+// For tests that run once per generation.
+inline const auto everyGeneration = testing::Values(
+    controller::Generation::E1, controller::Generation::E2, controller::Generation::E3);
+std::string generationOf(const testing::TestParamInfo<controller::Generation>& test);
+
+// Taps the panel from `delay` from now on for 100 ms, while the application goes on.
+void tapAfter(controller::Nanoseconds delay, int x, int y);
+
 // The application's own layers in front of a controller model. A test fails when the controller
 // complained of something that the test has not asked for with takeComplaints(), and when it takes
 // more than half a minute of simulated time.
@@ -47,8 +55,8 @@ protected:
     // Sends what is in the application's command buffer and waits until it is done.
     void complete();
 
-    // Taps the panel from `delay` from now on for 100 ms, while the application goes on.
-    static void tapAfter(controller::Nanoseconds delay, int x, int y);
+    // Shows one frame of one colour; false when the panel does not show it.
+    bool showsAFrame();
 
     // Whether the coprocessor has taken all that the application sent.
     bool coprocessorIsIdle() const;

@@ -5,7 +5,7 @@
 #include "errorwidget.h"
 #include "inputwidget.h"
 #include "logowidget.h"
-#include "modelboard.h"
+#include "onmodel.h"
 #include "optionwidget.h"
 #include "pnrwidget.h"
 #include "waitforserver.h"
@@ -37,15 +37,9 @@ void showOptions(Gpu_Hal_Context_t* host) {
     OptionWidget(host, &client).exec();
 }
 
-void tap(controller::Nanoseconds afterMs, int x, int y) {
-    constexpr controller::Nanoseconds millisecond = 1'000'000;
-    modelboard::after(afterMs * millisecond, [x, y] { modelboard::controller().touch(x, y); });
-    modelboard::after((afterMs + 150) * millisecond, [] { modelboard::controller().release(); });
-}
-
 void showKeypad(Gpu_Hal_Context_t* host) {
-    tap(200, 150, 190); // "7"
-    tap(600, 380, 237); // "Ok"
+    tapAfter(milliseconds(200), 150, 190); // "7"
+    tapAfter(milliseconds(600), 380, 237); // "Ok"
     InputWidget::getDouble(host, QStringLiteral("Set level"));
 }
 
