@@ -7,10 +7,22 @@
 #include "ftwidget.h"
 #include "recordingboard.h"
 
+#include <QMetaMethod>
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
+#include <vector>
+
+// The signals and slots of a class, without those of its bases, in order.
+inline std::vector<std::string> methodsOf(const QMetaObject& meta) {
+    std::vector<std::string> methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        methods.push_back(meta.method(i).methodSignature().toStdString());
+    }
+    return methods;
+}
 
 // A screen in front of an idle EVE_3 controller on the recording board.
 class ScreenTest : public testing::Test {
@@ -63,5 +75,11 @@ protected:
         touch(tag);
         touchedScreen().loop();
         return drawn();
+    }
+
+    // What the release draws when the finger has been on `tag`.
+    std::string tap(std::uint32_t tag) {
+        passTouching(tag);
+        return passTouching(0);
     }
 };

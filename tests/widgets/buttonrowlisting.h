@@ -5,6 +5,14 @@
 // The parts of the button row that the two measurement screens have in common, as listed.
 namespace buttonrow {
 
+inline const std::string taggedButtons = R"(TAG 4
+BUTTON 429 8 40 40 font 27 FLAT ""
+TAG 3
+BUTTON 374 8 40 40 font 27 FLAT ""
+TAG 2
+BUTTON 319 8 40 40 font 27 FLAT ""
+)";
+
 inline const std::string optionsIcon = R"(BEGIN LINES
 VERTEX2II (435,20) (463,20) (435,28) (463,28) (435,36) (463,36)
 END

@@ -1,9 +1,6 @@
 #include "buttonrowlisting.h"
 #include "counterwidget.h"
-#include "screentest.h"
-
-#include <QMetaMethod>
-#include <QSignalSpy>
+#include "measurementscreentest.h"
 
 #include <gmock/gmock.h>
 
@@ -32,14 +29,8 @@ COLOR_RGB 19190C
 TEXT 160 28 font 30 CENTER "COUNTER MODE"
 FGCOLOR 00A1DD
 TAG_MASK 1
-TAG 4
-BUTTON 429 8 40 40 font 27 FLAT ""
-TAG 3
-BUTTON 374 8 40 40 font 27 FLAT ""
-TAG 2
-BUTTON 319 8 40 40 font 27 FLAT ""
-TAG_MASK 0
-)" + buttonrow::optionsIcon + histogramIcon +
+)" + buttonrow::taggedButtons + "TAG_MASK 0\n" +
+                                  buttonrow::optionsIcon + histogramIcon +
                                   buttonrow::startIcon("00A1DD") + R"(BEGIN LINE_STRIP
 VERTEX2II (10,58) (235,58) (235,155) (10,155) (10,58)
 END
@@ -97,25 +88,15 @@ std::string values(const std::string& v0, const std::string& v1, const std::stri
 
 const std::string zeros = values("     0", "     0", "     0", "     0");
 
-class CounterWidgetTest : public TouchedScreenTest {
+class CounterWidgetTest : public MeasurementScreenTest<CounterWidget> {
 protected:
-    FTWidget& touchedScreen() override { return screen; }
-
-    CounterWidget screen{&host};
-    QSignalSpy start{&screen, &CounterWidget::start};
-    QSignalSpy stop{&screen, &CounterWidget::stop};
     QSignalSpy gotoHistogram{&screen, &CounterWidget::gotoHistogram};
-    QSignalSpy gotoOptions{&screen, &CounterWidget::gotoOptions};
 };
 
 TEST_F(CounterWidgetTest, OffersItsSignalsAndSlotInOrder) {
-    const QMetaObject& meta = CounterWidget::staticMetaObject;
-    std::vector<std::string> methods;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        methods.push_back(meta.method(i).methodSignature().toStdString());
-    }
-    EXPECT_THAT(methods, ElementsAre("start()", "stop()", "gotoHistogram()", "gotoOptions()",
-                                     "updateData(DataReaderData)"));
+    EXPECT_THAT(methodsOf(CounterWidget::staticMetaObject),
+                ElementsAre("start()", "stop()", "gotoHistogram()", "gotoOptions()",
+                            "updateData(DataReaderData)"));
 }
 
 TEST_F(CounterWidgetTest, IsStoppedAndReadsTouchesWhenConstructed) {
@@ -184,8 +165,7 @@ TEST_F(CounterWidgetTest, HoldingTheStartButtonWhileRunningShowsThePressedFaceWi
 TEST_F(CounterWidgetTest, TheNextReleaseStopsAndBringsTheTriangleBack) {
     screen.setStarted(true);
     show();
-    passTouching(2);
-    EXPECT_EQ(passTouching(0), redraw(zeros));
+    EXPECT_EQ(tap(2), redraw(zeros));
     EXPECT_EQ(start.count(), 0);
     EXPECT_EQ(stop.count(), 1);
     EXPECT_FALSE(screen.isStarted());
@@ -193,8 +173,7 @@ TEST_F(CounterWidgetTest, TheNextReleaseStopsAndBringsTheTriangleBack) {
 
 TEST_F(CounterWidgetTest, TheRunButtonNeverEndsTheScreen) {
     show();
-    passTouching(2);
-    passTouching(0);
+    tap(2);
     EXPECT_FALSE(screen.isStoped());
 }
 

@@ -1,4 +1,5 @@
 #include "inputwidget.h"
+#include "keypadscript.h"
 #include "screentest.h"
 
 #include <gmock/gmock.h>
@@ -93,14 +94,7 @@ protected:
 
     // Types the keys of `text`, then taps `last`.
     double typeAndTap(const std::string& text, std::uint32_t last) {
-        std::deque<std::uint32_t> tags;
-        for (const char key : text) {
-            tags.push_back(static_cast<std::uint32_t>(key));
-            tags.push_back(nothing);
-        }
-        tags.push_back(last);
-        tags.push_back(nothing);
-        return poll(tags);
+        return poll(typing(text, last));
     }
 
     double typed(const std::string& text) { return typeAndTap(text, ok); }

@@ -1,10 +1,7 @@
 #include "buttonrowlisting.h"
+#include "measurementscreentest.h"
 #include "pnrwidget.h"
-#include "screentest.h"
 #include "streams.h"
-
-#include <QMetaMethod>
-#include <QSignalSpy>
 
 #include <gmock/gmock.h>
 
@@ -50,13 +47,7 @@ COLOR_RGB 19190C
 TEXT 183 28 font 30 CENTER "PNR MODE"
 FGCOLOR 00A1DD
 TAG_MASK 1
-TAG 4
-BUTTON 429 8 40 40 font 27 FLAT ""
-TAG 3
-BUTTON 374 8 40 40 font 27 FLAT ""
-TAG 2
-BUTTON 319 8 40 40 font 27 FLAT ""
-TAG 5
+)" + buttonrow::taggedButtons + R"(TAG 5
 BUTTON 10 8 40 40 font 27 FLAT ""
 TAG_MASK 0
 )" + buttonrow::optionsIcon + counterIcon +
@@ -96,36 +87,21 @@ DataReaderData sampleOf(double b0, double b1, double b2, double b3) {
     return {{b0 + b1 + b2 + b3, b1 + b2 + b3, b2 + b3, b3}};
 }
 
-class PNRWidgetTest : public TouchedScreenTest {
+class PNRWidgetTest : public MeasurementScreenTest<PNRWidget> {
 protected:
-    FTWidget& touchedScreen() override { return screen; }
-
-    void tap(std::uint32_t tag) {
-        passTouching(tag);
-        passTouching(0);
-    }
-
     // What the next pass draws once this sample has come.
     std::string drawnFor(const DataReaderData& sample) {
         screen.updateData(sample);
         return passTouching(0);
     }
 
-    PNRWidget screen{&host};
-    QSignalSpy start{&screen, &PNRWidget::start};
-    QSignalSpy stop{&screen, &PNRWidget::stop};
     QSignalSpy gotoCounts{&screen, &PNRWidget::gotoCounts};
-    QSignalSpy gotoOptions{&screen, &PNRWidget::gotoOptions};
 };
 
 TEST_F(PNRWidgetTest, OffersItsSignalsAndSlotsInOrder) {
-    const QMetaObject& meta = PNRWidget::staticMetaObject;
-    std::vector<std::string> methods;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        methods.push_back(meta.method(i).methodSignature().toStdString());
-    }
-    EXPECT_THAT(methods, ElementsAre("start()", "stop()", "gotoCounts()", "gotoOptions()",
-                                     "updateData(DataReaderData)", "clear()"));
+    EXPECT_THAT(methodsOf(PNRWidget::staticMetaObject),
+                ElementsAre("start()", "stop()", "gotoCounts()", "gotoOptions()",
+                            "updateData(DataReaderData)", "clear()"));
 }
 
 TEST_F(PNRWidgetTest, ExecLoadsTheIconsAheadOfThePicture) {
@@ -289,10 +265,8 @@ TEST_F(PNRWidgetTest, StoppingKeepsTheHistogram) {
     screen.setStarted(true);
     show();
     screen.updateData(sampleOf(1, 0, 0, 0));
-    passTouching(2);
-    EXPECT_EQ(passTouching(0),
-              redraw(bars("(30,259) (120,84)", "(32,257) (118,86)") +
-                     labels({"     1", "     0", "     0", "     0"}) + accumulateIcon));
+    EXPECT_EQ(tap(2), redraw(bars("(30,259) (120,84)", "(32,257) (118,86)") +
+                             labels({"     1", "     0", "     0", "     0"}) + accumulateIcon));
     EXPECT_EQ(stop.count(), 1);
     EXPECT_EQ(start.count(), 0);
     EXPECT_FALSE(screen.isStarted());
