@@ -1,9 +1,12 @@
 #include "testbed.h"
 
+#include "ownersmark.h"
+
 #include <umockdev-1.0/umockdev.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
@@ -77,6 +80,14 @@ gboolean onIoctl(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, gpoin
     return TRUE;
 }
 
+// umockdev calls it critical when a program on the board is killed in the middle of an ioctl.
+void passOnOtherMessages(const gchar* domain, GLogLevelFlags level, const gchar* message,
+                         gpointer data) {
+    if (std::strstr(message, "Destroying IoctlClient with open stream") == nullptr) {
+        g_log_default_handler(domain, level, message, data);
+    }
+}
+
 } // namespace
 
 CallerMemory::CallerMemory(void* umockdevData) : m_data(umockdevData) {}
@@ -110,7 +121,10 @@ void CallerMemory::write(const std::uint8_t* bytes, std::size_t length) {
 
 class Testbed::Handle {
 public:
-    Handle() : m_testbed(umockdev_testbed_new()) {}
+    Handle()
+        : m_logHandler(
+              g_log_set_handler(nullptr, G_LOG_LEVEL_CRITICAL, passOnOtherMessages, nullptr)),
+          m_testbed(umockdev_testbed_new()) {}
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
 
@@ -119,6 +133,7 @@ public:
             umockdev_testbed_detach_ioctl(m_testbed, node.c_str(), nullptr);
         }
         g_object_unref(m_testbed);
+        g_log_remove_handler(nullptr, m_logHandler);
     }
 
     std::string root() const {
@@ -142,6 +157,7 @@ public:
     }
 
 private:
+    guint m_logHandler;
     UMockdevTestbed* m_testbed;
     std::vector<std::string> m_nodes;
 };
@@ -149,8 +165,10 @@ private:
 Testbed::Testbed() {
     requirePreloadLibrary();
     requireTemporaryDirectory();
+    removeOrphans(g_get_tmp_dir());
     m_handle = std::make_unique<Handle>();
     m_root = m_handle->root();
+    m_mark = std::make_unique<OwnersMark>(m_root);
 }
 
 Testbed::~Testbed() = default;

@@ -2,7 +2,8 @@
 
 // umockdev's testbed for C++: a directory that stands for "/" below "/dev" and "/sys" in programs
 // started with environment(). The process that owns the testbed needs no preloaded library itself
-// and may own one testbed at a time.
+// and may own one testbed at a time. What a process leaves that is killed, the next testbed of the
+// same user clears away.
 
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace board {
+
+class OwnersMark;
 
 // The board cannot be built; what() names the thing and the mend.
 class BoardError : public std::runtime_error {
@@ -64,7 +67,8 @@ public:
 
 class Testbed {
 public:
-    // Throws BoardError, as do the functions that add something.
+    // Removes the directories of this user's dead testbeds, and makes its own. Throws BoardError,
+    // as do the functions that add something.
     Testbed();
     Testbed(const Testbed&) = delete;
     Testbed& operator=(const Testbed&) = delete;
@@ -86,7 +90,8 @@ public:
 private:
     std::string makePlace(const std::string& path) const;
 
-    class Handle; // umockdev's own objects
+    class Handle;                       // umockdev's own objects
+    std::unique_ptr<OwnersMark> m_mark; // until the directory is gone
     std::unique_ptr<Handle> m_handle;
     std::string m_root;
 };

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -25,6 +26,7 @@
 #include <stdexcept>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -131,6 +133,7 @@ void doStep(const std::string& step) {
 } // namespace
 
 int main(int argc, char** argv) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // it may hang, and goes with the test then
     try {
         for (int i = 1; i < argc; ++i) {
             doStep(argv[i]);

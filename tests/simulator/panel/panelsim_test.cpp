@@ -1,10 +1,12 @@
 // Runs the program itself, with shell scripts in the application's place: how sessions end.
 
+#include "boundprocess.h"
+
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHostAddress>
 #include <QImage>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QThread>
@@ -41,7 +43,7 @@ protected:
     }
 
     Outcome run(const QStringList& options) const {
-        QProcess process;
+        panel::BoundProcess process;
         start(process, options);
         return end(process);
     }
@@ -55,6 +57,9 @@ protected:
     }
 
     void start(QProcess& process, const QStringList& options) const {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("TMPDIR"), m_directory.path());
+        process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_directory.path());
         process.start(QStringLiteral(PANELSIM), QStringList{"--headless"} + options);
         ASSERT_TRUE(process.waitForStarted()) << PANELSIM;
@@ -67,7 +72,16 @@ protected:
                 process.readAllStandardError().toStdString()};
     }
 
+    // How many boards' directories there are.
+    int boardDirectories() const {
+        return QDir(m_directory.path())
+            .entryList({QStringLiteral("umockdev.*")}, QDir::Dirs)
+            .size();
+    }
+
     QString path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+
+    void TearDown() override { EXPECT_EQ(boardDirectories(), 0); }
 
     QTemporaryDir m_directory;
 };
@@ -295,16 +309,21 @@ TEST_F(Panelsim, WithoutScriptItEndsWithTheApplication) {
 }
 
 TEST_F(Panelsim, ASignalEndsItAndTheApplication) {
-    QProcess process;
-    start(process, {"--no-server", "--app", application(sayPidAndSleep)});
-    const pid_t child = childOf(process);
-    process.terminate();
-    EXPECT_EQ(end(process).status, 0);
-    EXPECT_TRUE(isGone(child));
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(signal, SIG_DFL); // whoever started the test may have it ignored
+        panel::BoundProcess process;
+        start(process, {"--no-server", "--app", application(sayPidAndSleep)});
+        const pid_t child = childOf(process);
+        EXPECT_EQ(boardDirectories(), 1);
+        kill(static_cast<pid_t>(process.processId()), signal);
+        EXPECT_EQ(end(process).status, 0);
+        EXPECT_TRUE(isGone(child));
+        EXPECT_EQ(boardDirectories(), 0);
+    }
 }
 
 TEST_F(Panelsim, ASignalDuringASessionIsAFailure) {
-    QProcess process;
+    panel::BoundProcess process;
     start(process, {"--no-server", "--script", write("session.txt", "wait time 1000s\n"), "--app",
                     application(sayPidAndSleep)});
     childOf(process);
@@ -313,7 +332,7 @@ TEST_F(Panelsim, ASignalDuringASessionIsAFailure) {
 }
 
 TEST_F(Panelsim, TheApplicationDoesNotOutliveAKilledPanelsim) {
-    QProcess process;
+    panel::BoundProcess process;
     start(process, {"--no-server", "--app", application(sayPidAndSleep)});
     const pid_t child = childOf(process);
     process.kill();
@@ -324,6 +343,19 @@ TEST_F(Panelsim, TheApplicationDoesNotOutliveAKilledPanelsim) {
         QThread::msleep(10);
     }
     EXPECT_TRUE(isGone(child));
+    EXPECT_EQ(boardDirectories(), 1) << "nobody was left to remove it";
+    EXPECT_EQ(play("end\n", "exec sleep 100").status, 0);
+    EXPECT_EQ(boardDirectories(), 0) << "the next one does";
+}
+
+TEST_F(Panelsim, TheBoardOfAnotherPanelsimStays) {
+    panel::BoundProcess process;
+    start(process, {"--no-server", "--app", application(sayPidAndSleep)});
+    childOf(process);
+    play("end\n", "exec sleep 100");
+    EXPECT_EQ(boardDirectories(), 1);
+    process.terminate();
+    EXPECT_EQ(end(process).status, 0);
 }
 
 } // namespace

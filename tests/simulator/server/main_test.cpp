@@ -1,7 +1,7 @@
+#include "boundprocess.h"
 #include "measurementserver.h"
 
 #include <QHostAddress>
-#include <QProcess>
 #include <QTcpSocket>
 
 #include <gmock/gmock.h>
@@ -36,7 +36,7 @@ public:
     std::string errors() { return m_process.readAllStandardError().toStdString(); }
 
 private:
-    QProcess m_process;
+    panel::BoundProcess m_process;
 };
 
 TEST(MeasurementServerProgramTest, HelpNamesCommandsAndOptions) {
