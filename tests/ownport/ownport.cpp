@@ -24,6 +24,7 @@
 #include <stdexcept>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -196,6 +197,14 @@ int check() {
     return reason.empty() ? 0 : 1;
 }
 
+// Tests end programs on purpose.
+void leaveNoCoreFiles() {
+    rlimit limit{};
+    getrlimit(RLIMIT_CORE, &limit);
+    limit.rlim_cur = 0;
+    setrlimit(RLIMIT_CORE, &limit);
+}
+
 int run(const std::vector<std::string>& arguments, char** argv) {
     if (arguments.size() == 2 && arguments[1] == "--check") {
         return check();
@@ -209,6 +218,7 @@ int run(const std::vector<std::string>& arguments, char** argv) {
     } else if (arguments.back() != "--gtest_list_tests") { // a list needs no port
         takePort();
     }
+    leaveNoCoreFiles();
     execvp(*program, program);
     fail(*program);
 }

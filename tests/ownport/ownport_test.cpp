@@ -60,6 +60,10 @@ TEST(OwnPort, TheProgramIsWhoItWasBefore) {
     EXPECT_THAT(ownport({"id", "-g"}).output, EndsWith("\n" + std::to_string(getgid()) + "\n"));
 }
 
+TEST(OwnPort, TheProgramLeavesNoCoreFiles) {
+    EXPECT_THAT(ownport({"sh", "-c", "ulimit -c"}).output, EndsWith("\n0\n"));
+}
+
 TEST(OwnPort, SaysHowItCameByThePort) {
     const Outcome check = ownport({"--check"});
     const Outcome ended = ownport({"true"});
