@@ -1,52 +1,70 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: style, unit tests under the sanitizers,
-# every test on the release build, system tests on the virtual instrument, static analysis.
+# Installs what is missing, builds, and runs the tests.
 #
-#   ./test.sh          all of it
-#   ./test.sh --quick  without static analysis
+#   ./test.sh              style, unit tests under the sanitizers, the shipped program on the virtual
+#                          instrument: minutes, from a fresh clone
+#   ./test.sh --all        also what is slow: unit tests on the release build, static analysis,
+#                          coverage, fuzzing, soak
+#   ./test.sh --coverage   what the tests cover, as a report below build/coverage, and nothing else
+#
+# Ends with a table of what was run, and with status 0 only if nothing failed. What could not be run
+# here stands in the table with the reason. Logs are in build/test-logs.
 set -euo pipefail
 cd "$(dirname "$0")"
+# shellcheck source=packaging/test-stages.sh
+. packaging/test-stages.sh
 
-usage() { sed -n '2,6s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,12s/^# \{0,1\}//p' "$0"; }
 
-analysis=yes
+which=everyday
 for argument in "$@"; do
     case "$argument" in
-        --quick) analysis=no ;;
+        --all) which=all ;;
+        --coverage) which=coverage ;;
         --help | -h) usage; exit 0 ;;
         *) echo "test.sh: unknown argument $argument" >&2; usage >&2; exit 2 ;;
     esac
 done
 
-stage=0
-stages=$([ "$analysis" = yes ] && echo 6 || echo 5)
-announce() {
-    stage=$((stage + 1))
-    printf '\n==> [%d/%d] %s\n' "$stage" "$stages" "$*"
-}
-
 packaging/install-build-packages.sh
 
-announce "Style of the sources"
-packaging/check-style.sh
+# System tests mostly wait for the program.
+cores=$(nproc)
+system_jobs=$((cores * 3))
+fuzz_seconds=60
+soak_time=2m
 
-announce "Building with the sanitizers"
-cmake --preset debug
-cmake --build --preset debug
+build() { # preset target
+    cmake --preset "$1" && cmake --build --preset "$1" --target "$2"
+}
 
-announce "Building as shipped"
-cmake --preset release
-cmake --build --preset release
+everyday() {
+    stage "Style" packaging/check-style.sh
+    stage "Build, sanitizers" build debug unit_tests
+    stage "Unit tests, sanitizers" --needs "Build, sanitizers" \
+        --results build/debug/test-results ctest --preset unit --parallel "$cores"
+    stage "Build, as shipped" build release system_tests
+    stage "System tests" --needs "Build, as shipped" \
+        --ctest build/test-logs/system.xml ctest --preset system --parallel "$system_jobs" \
+        --output-junit "$PWD/build/test-logs/system.xml"
+}
 
-announce "Unit tests under AddressSanitizer and UndefinedBehaviorSanitizer"
-ctest --preset unit --parallel "$(nproc)"
+slow() {
+    stage "Build, all of it" build release all
+    stage "Unit tests, release" --needs "Build, all of it" \
+        --results build/release/test-results ctest --preset release-unit --parallel "$cores"
+    stage "Static analysis" packaging/check-analysis.sh --all
+    stage "Coverage" packaging/coverage.sh
+    stage "Fuzzing" tests/fuzz/run.sh "$fuzz_seconds"
+    stage "Soak" --needs "Build, all of it" tests/soak/run.sh "$soak_time"
+}
 
-announce "Every test on the release build"
-ctest --preset release --parallel "$(nproc)"
+coverage_alone() {
+    stage "Coverage" packaging/coverage.sh
+}
 
-if [ "$analysis" = yes ]; then
-    announce "Static analysis"
-    packaging/check-analysis.sh
-fi
-
-printf '\nAll tests passed.\n'
+case "$which" in
+    everyday) plan everyday ;;
+    all) plan everyday slow ;;
+    coverage) plan coverage_alone ;;
+esac

@@ -17,8 +17,30 @@ target_compile_definitions(
     project_settings INTERFACE QT_NO_CAST_TO_ASCII
                                QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 
+# A compiler's cache, where there is one. What a precompiled header holds does not depend on when it
+# was made.
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+                                    CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+        add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+    endif()
+endif()
+
 if(FRONTPANEL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
+    # The sanitizers' library inside the program, as clang has it anyway: a shared one would have to
+    # be loaded before all others, umockdev's among them.
     add_link_options(-fsanitize=address,undefined)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_link_options(-static-libasan)
+    endif()
+endif()
+
+# Programs of tests are large. What ships is linked with the compiler's own choice.
+find_program(MOLD mold)
+if(MOLD AND FRONTPANEL_SANITIZE)
+    add_link_options(-fuse-ld=mold)
 endif()

@@ -1,4 +1,5 @@
 #include "CoPro_Cmds.h"
+#include "displaysettings.h"
 #include "generationinforce.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "Gpu_Hal.h"
 #include "eveassert.h"
+#include "generationinforce.h"
 #include "generationtable.h"
 #include "paneltimings.h"
 #include "wakeup.h"
@@ -80,7 +81,7 @@ void DisplaySettings::setDisplaySize(const DisplaySize& size) {
 
 bool DisplaySettings::autoDetectDisplayGeneration() {
     Gpu_Hal_Context_t host; // not closed: the display bring-up opens the board again
-    wakeController(&host, m_displayGeneration, bootTimeMs);
+    wakeController(&host, bootTimeMs);
     for (int read = 0; read < chipIdReads; ++read) {
         switch (Gpu_Hal_Rd32(&host, chipIdAddress)) {
         case chipIdEve3:
@@ -106,4 +107,12 @@ uint32_t DisplaySettings::operator[](QString name) {
     EVE_ASSERT(value != m_uintValues.constEnd(), "false", "eve_layer/displaysettings.cpp", 1119,
                "uint32_t DisplaySettings::operator[](QString)");
     return *value;
+}
+
+bool isEve1() {
+    return DisplaySettings::getInstance()->getDisplayGeneration() == DisplaySettings::EVE_1;
+}
+
+bool isEve3() {
+    return DisplaySettings::getInstance()->getDisplayGeneration() == DisplaySettings::EVE_3;
 }

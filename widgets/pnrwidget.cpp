@@ -24,8 +24,8 @@ constexpr Button modeButton = iconButton(5, {10, 8});
 struct Icon {
     uint32_t handle;
     uint32_t address;
-    uint16_t width;
-    uint16_t height;
+    int16_t width;
+    uint32_t height;
     Point topLeft;
 };
 constexpr Icon latestIcon{0, 0, 18, 28, {23, 14}};

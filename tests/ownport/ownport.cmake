@@ -2,20 +2,11 @@
 # them side by side in network namespaces, or one after the other where there are none. Which it is
 # is found out by every run of ctest, which says so in the latter case.
 #
-#   own_port_program(<target>)   the tests that gtest_discover_tests() finds in that program
 #   own_port_tests(<test>...)    tests of add_test(), whose commands begin with "ownport"
 #   finish_own_port()            to be called once, in a directory behind all those tests'
 
-# Appends to the tests of this kind; variables among the names are expanded by ctest.
 function(own_port_tests)
     set_property(GLOBAL APPEND PROPERTY OWN_PORT_TESTS ${ARGN})
-endfunction()
-
-function(own_port_program target)
-    # What CMake puts in front of a target's command in tests.
-    set_target_properties(${target} PROPERTIES CROSSCOMPILING_EMULATOR $<TARGET_FILE:ownport>)
-    add_dependencies(${target} ownport)
-    own_port_tests("\${${target}_TESTS}")
 endfunction()
 
 function(finish_own_port)

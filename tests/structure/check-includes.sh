@@ -12,7 +12,7 @@ assets                  Qt
 client                  Qt
 platform                Qt
 eve_layer               Qt platform assets eve_layer/detail eve_layer/words
-eve_layer/detail        Qt eve_layer platform
+eve_layer/detail        Qt
 eve_layer/words
 widgets                 Qt client eve_layer platform assets eve_layer/words widgets/drawing
 widgets/drawing         Qt eve_layer platform eve_layer/words

@@ -1,5 +1,4 @@
-// main() of test programs that need Qt's application object: link qt_test_main and give
-// add_unit_test NO_MAIN.
+// main() of test programs that need Qt's application object.
 
 #include <QCoreApplication>
 

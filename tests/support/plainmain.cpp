@@ -1,0 +1,8 @@
+// main() of test programs that need no application object.
+
+#include <gmock/gmock.h>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
