@@ -1,4 +1,5 @@
 #include "CoPro_Cmds.h"
+#include "assertionfailure.h"
 #include "drawingtest.h"
 #include "guardline.h"
 
@@ -31,8 +32,8 @@ void expectFailure(void (*call)(Host*), const std::string& function, const std::
                     call(&host);
                 }),
                 ExitedWithCode(failedUntouched),
-                AllOf(NamesALineWithAGuard(),
-                      HasSubstr(": " + function + ": Assertion `" + text + "' failed.\n")));
+                AllOf(NamesALineWithAGuard(), HasSubstr(": " + signatureAsCompiled(function) +
+                                                        ": Assertion `" + text + "' failed.\n")));
 }
 
 struct Case {

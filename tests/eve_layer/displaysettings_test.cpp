@@ -176,7 +176,10 @@ TEST(DisplaySettingsDeathTest, AnUnknownSizeIsStoredAndLeavesNoTimings) {
 
 class GenerationDetection : public testing::Test {
 protected:
-    GenerationDetection() { board.reset(); }
+    GenerationDetection() {
+        board.reset();
+        DisplaySettings::getInstance()->setDisplayGeneration(DisplaySettings::EVE_1);
+    }
 
     static std::vector<Transaction> reads() { return board.transactions(Transaction::Read); }
 

@@ -1,4 +1,5 @@
 #include "CoPro_Cmds.h"
+#include "assertionfailure.h"
 #include "drawingtest.h"
 #include "guardline.h"
 
@@ -411,7 +412,7 @@ TEST_F(FlashDeathTest, EveryFunctionAbortsBeforeEve3BeforeAnythingIsSent) {
                         }),
                         ExitedWithCode(failedUntouched),
                         AllOf(NamesALineWithAGuard(),
-                              HasSubstr(": " + std::string(each.signature) +
+                              HasSubstr(": " + signatureAsCompiled(each.signature) +
                                         ": Assertion `EVE3 && \"This function worked only on EVE3 "
                                         "device\"' failed.\n")));
         }

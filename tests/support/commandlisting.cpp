@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <map>
 #include <sstream>
 
 namespace {
@@ -15,13 +14,12 @@ std::string hex(uint32_t value, int digits) {
 }
 
 std::string primitiveName(uint32_t primitive) {
-    static const std::map<uint32_t, std::string> names{
-        {1, "BITMAPS"},      {2, "POINTS"},       {3, "LINES"},
-        {4, "LINE_STRIP"},   {5, "EDGE_STRIP_R"}, {6, "EDGE_STRIP_L"},
-        {7, "EDGE_STRIP_A"}, {8, "EDGE_STRIP_B"}, {9, "RECTS"},
+    static constexpr std::array<const char*, 9> names{
+        "BITMAPS",      "POINTS",       "LINES",        "LINE_STRIP", "EDGE_STRIP_R",
+        "EDGE_STRIP_L", "EDGE_STRIP_A", "EDGE_STRIP_B", "RECTS",
     };
-    const auto found = names.find(primitive);
-    return found == names.end() ? std::to_string(primitive) : found->second;
+    const bool known = primitive >= 1 && primitive <= names.size();
+    return known ? names.at(primitive - 1) : std::to_string(primitive);
 }
 
 std::string optionNames(uint32_t options) {
