@@ -298,4 +298,42 @@ TEST_F(DrawingCommands, AHandleOutOfRangeIsAFault) {
     EXPECT_TRUE(host.seen.complainedAbout("handle 32 out of range"));
 }
 
+TEST_F(DrawingCommands, ASlidersKnobStandsAtItsValue) {
+    constexpr int flat = 256;
+    const V colors{0x26000007, cmd::fgColor, 0x00FF00, cmd::bgColor, 0x0000FF};
+    constexpr std::uint32_t passed = 0xFF00FF00;
+    constexpr std::uint32_t knob = 0xFF3FFF3F; // a quarter of the way to white
+    constexpr std::uint32_t groove = 0xFF0000FF;
+    // A quarter of 200 pixels; the knob reaches 20 pixels to either side.
+    const controller::Picture upright =
+        show(colors + V{cmd::slider, pair(50, 20), pair(20, 200), pair(flat, 1), 4});
+    EXPECT_EQ(upright.at(60, 48), passed);
+    EXPECT_EQ(upright.at(60, 52), knob);
+    EXPECT_EQ(upright.at(60, 70), knob);
+    EXPECT_EQ(upright.at(60, 88), knob);
+    EXPECT_EQ(upright.at(60, 93), groove);
+    EXPECT_EQ(upright.at(42, 70), knob) << "in the middle of the bar";
+    EXPECT_EQ(upright.at(77, 70), knob);
+
+    const controller::Picture lying =
+        show(colors + V{cmd::slider, pair(50, 20), pair(200, 20), pair(flat, 1), 4});
+    EXPECT_EQ(lying.at(78, 30), passed);
+    EXPECT_EQ(lying.at(82, 30), knob);
+    EXPECT_EQ(lying.at(100, 30), knob);
+    EXPECT_EQ(lying.at(118, 30), knob);
+    EXPECT_EQ(lying.at(123, 30), groove);
+    EXPECT_EQ(lying.at(100, 12), knob);
+    EXPECT_EQ(lying.at(100, 47), knob);
+}
+
+TEST_F(DrawingCommands, TheGradientColourLightsTheUpperEdges) {
+    const V button{cmd::button, pair(100, 100), pair(80, 40), pair(27, 0)};
+    // Half of it and half of the face's own colour.
+    const V black = V{0x26000007, cmd::fgColor, 0x000000};
+    EXPECT_EQ(show(black + button + words("")).at(140, 100), 0xFF7F7F7F) << "white at first";
+    EXPECT_EQ(show(black + V{cmd::gradColor, 0xFF8040} + button + words("")).at(140, 100),
+              0xFF7F4020);
+    EXPECT_EQ(host.chip.frame().picture.at(140, 120), 0xFF000000) << "the face itself";
+}
+
 } // namespace

@@ -168,6 +168,24 @@ TEST(TouchEngine, AThresholdBelowTheTouchsResistanceHidesIt) {
     EXPECT_NE(host.read32(host.at.touchRawXy()), 0xFFFFFFFFU);
 }
 
+TEST(TouchEngine, ATouchsResistanceIsAThousandAndMayBeTheThresholdItself) {
+    Host host(Generation::E3);
+    host.bootWithPanel();
+    constexpr std::uint32_t threshold = 0x302118;
+    constexpr std::uint32_t resistance = 0x302120;
+    host.waitFrames(2);
+    EXPECT_EQ(host.read16(resistance), 0x7FFF) << "untouched";
+    host.chip.touch(100, 100);
+    host.write16(threshold, 999);
+    host.waitFrames(2);
+    EXPECT_EQ(host.read32(host.at.touchRawXy()), 0xFFFFFFFFU);
+    EXPECT_EQ(host.read16(resistance), 0x7FFF) << "hidden";
+    host.write16(threshold, 1000);
+    host.waitFrames(2);
+    EXPECT_NE(host.read32(host.at.touchRawXy()), 0xFFFFFFFFU);
+    EXPECT_EQ(host.read16(resistance), 1000);
+}
+
 TEST(TouchEngine, ThePollsOfTheTagAreCounted) {
     Host host(Generation::E3);
     host.bootWithPanel();

@@ -54,6 +54,18 @@ TEST_F(FrameSequenceTest, WaitsForSoManyFrames) {
     EXPECT_EQ(m_frames, (std::vector<std::uint32_t>{start + 2, start + 5}));
 }
 
+TEST_F(FrameSequenceTest, TellsWhichStepHasEnded) {
+    play({script::WaitFrames{1}, script::WaitFrames{2}, script::WaitQuiet{}});
+    EXPECT_EQ(stepsEnded(), 0U);
+    m_host.waitFrames(1);
+    ASSERT_EQ(stepsEnded(), 1U);
+    m_host.waitFrames(2);
+    ASSERT_EQ(stepsEnded(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(m_events[i].step, i);
+    }
+}
+
 TEST_F(FrameSequenceTest, WaitsForText) {
     play({script::WaitText{QStringLiteral("Ready*"), true}});
     m_host.send(listSaying("Not yet"));
@@ -120,6 +132,7 @@ TEST_F(FrameSequenceTest, AnUnmetExpectationEndsIt) {
     play({script::ExpectText{QStringLiteral("There"), true}, script::WaitFrames{1}});
     m_host.waitFrames(3);
     ASSERT_EQ(stepsEnded(), 1U);
+    EXPECT_EQ(m_events[0].step, 0U);
     EXPECT_EQ(m_events[0].failure, "the panel shows: \"Here\"");
 }
 

@@ -2,6 +2,9 @@
 #include "measurementserver.h"
 #include "qtprinting.h"
 
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
@@ -10,6 +13,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -300,6 +305,32 @@ TEST_F(MeasurementServerTest, ServerHangsUpInsteadOfReplyingAndTakesANewConnecti
     server.setFault(Fault::None);
     Client next(server);
     EXPECT_EQ(next.ask("PARAMS?\n"), defaultParams);
+}
+
+// --- time ---
+
+// With so long a time constant the counter holds all pulses since the server was made, at least
+// those of the last ten seconds.
+TEST(MeasurementServerClockTest, TimePassesAsItReallyDoes) {
+    QElapsedTimer longer;
+    longer.start();
+    MeasurementServer server(1);
+    QElapsedTimer shorter;
+    shorter.start();
+    ASSERT_TRUE(server.listen(0));
+    Client client(server);
+    EXPECT_EQ(client.ask("START 10\n"), "Ok\n");
+    EXPECT_TRUE(waitFor([&] { return shorter.elapsed() >= 100; }));
+
+    const double least =
+        10000.0 * std::min(10.0, static_cast<double>(shorter.nsecsElapsed()) * 1e-9);
+    const QByteArray reply = client.ask("DATA?\n");
+    const double most = 10000.0 * static_cast<double>(longer.nsecsElapsed()) * 1e-9;
+    const double pulses =
+        QJsonDocument::fromJson(reply).object().value(QStringLiteral("Channel0")).toDouble();
+    // Channel 0 counts every pulse; their number scatters by its square root.
+    EXPECT_GE(pulses, least - 5.0 * std::sqrt(least));
+    EXPECT_LE(pulses, most + 5.0 * std::sqrt(most));
 }
 
 } // namespace

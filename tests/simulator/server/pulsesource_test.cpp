@@ -86,6 +86,40 @@ TEST(PulseSourceTest, HeightsHavePeaksAtWholePhotonsAndValleysBetween) {
     }
 }
 
+// The photons of a pulse: Poisson of mean 1.5, without the pulses of none.
+TEST(PulseSourceTest, PhotonsAreDistributedAsLightIs) {
+    PulseSource source(1);
+    source.runTo(10.0);
+    const auto all = static_cast<double>(source.countAbove(anyHeight, 0.0));
+    double exactly = std::exp(-1.5); // the likelihood of so many photons
+    double more = 1.0 - exactly;     // of more
+    const double seen = more;
+    for (int photons = 1; photons <= 5; ++photons) {
+        exactly *= 1.5 / photons;
+        more -= exactly;
+        const double expected = more / seen;
+        const auto above = static_cast<double>(source.countAbove(0.1 * photons + 0.05, 0.0));
+        const double deviation = std::sqrt(expected * (1.0 - expected) / all);
+        EXPECT_NEAR(above / all, expected, 4.0 * deviation + 0.0005) << photons << " photons";
+    }
+    EXPECT_EQ(source.countAbove(0.65, 0.0), 0U) << "more than six photons are left out";
+}
+
+// A tenth of a volt a photon, blurred by a normal distribution of 12 mV.
+TEST(PulseSourceTest, HeightsAreBlurredNormally) {
+    PulseSource source(1);
+    source.runTo(10.0);
+    const auto above = [&source](double height) {
+        return static_cast<double>(source.countAbove(height, 0.0));
+    };
+    const double singles = above(0.05) - above(0.15);
+    for (const double deviations : {-2.0, -1.0, -0.5, 0.0, 0.5, 1.0, 2.0}) {
+        const double higher = (above(0.1 + deviations * 0.012) - above(0.15)) / singles;
+        const double expected = std::erfc(deviations / std::sqrt(2.0)) / 2.0;
+        EXPECT_NEAR(higher, expected, 0.01) << deviations << " standard deviations";
+    }
+}
+
 TEST(PulseSourceTest, SameSeedGivesTheSamePulses) {
     PulseSource one(7);
     PulseSource other(7);
