@@ -54,6 +54,12 @@ protected:
         return {first, first + static_cast<std::ptrdiff_t>(count)};
     }
 
+    // The whole chip. A matcher of each byte would take seconds.
+    static bool isErased() {
+        const Bytes& all = controller().flash();
+        return all == Bytes(all.size(), erased);
+    }
+
     static void program(std::size_t at, const Bytes& bytes) {
         std::copy(bytes.begin(), bytes.end(),
                   controller().flash().begin() + static_cast<std::ptrdiff_t>(at));
@@ -104,7 +110,7 @@ TEST_F(FlashOnModel, WritesOneByteAsAPage) {
 
 TEST_F(FlashOnModel, WritesNothingOfNoBytes) {
     EXPECT_EQ(Gpu_CoCmd_FlashHelper_Write(&host, 0x200, 0, nullptr), Flash_Cmd_Ok);
-    EXPECT_THAT(controller().flash(), Each(erased));
+    EXPECT_TRUE(isErased());
     EXPECT_TRUE(coprocessorIsIdle());
 }
 
@@ -177,7 +183,7 @@ TEST_F(FlashOnModel, UpdateOfWholeSectorsUpdatesJustThose) {
 TEST_F(FlashOnModel, EraseLeavesEveryByteErased) {
     program(0x12345, pattern(1000));
     Gpu_CoCmd_FlashHelper_Erase(&host);
-    EXPECT_THAT(controller().flash(), Each(erased));
+    EXPECT_TRUE(isErased());
     EXPECT_TRUE(coprocessorIsIdle());
 }
 
@@ -207,7 +213,7 @@ TEST_F(FlashOnModel, MisalignedAddressesTouchNothing) {
                   Flash_Cmd_Misaligned);
     }
     EXPECT_EQ(controller().peek32(EVE_REG("__REG_CMD_WRITE")), listsBefore);
-    EXPECT_THAT(controller().flash(), Each(erased));
+    EXPECT_TRUE(isErased());
     EXPECT_EQ(data, Bytes(8192, 0x22));
 }
 
@@ -283,7 +289,7 @@ TEST_F(FlashOnModel, CommandsOnADetachedFlashDoNothingButAreComplainedAbout) {
     Gpu_CoCmd_FlashHelper_Read(&host, scratch, 0, 4, out.data());
     Gpu_CoCmd_FlashHelper_Erase(&host);
     EXPECT_THAT(out, ElementsAre(0x78, 0x56, 0x34, 0x12));
-    EXPECT_THAT(controller().flash(), Each(erased));
+    EXPECT_TRUE(isErased());
     EXPECT_THAT(takeComplaints(), ElementsAre(HasSubstr("FLASHWRITE"), HasSubstr("FLASHUPDATE"),
                                               HasSubstr("FLASHREAD"), HasSubstr("FLASHERASE")));
 }
@@ -311,7 +317,7 @@ TEST_F(LargeFlashOnModel, BehindItsEndThereIsNothing) {
     Gpu_CoCmd_FlashHelper_Write(&host, 8 * mebibyte, 256, data.data());
     Gpu_CoCmd_FlashHelper_Read(&host, scratch, 8 * mebibyte, 4, out.data());
     EXPECT_THAT(out, Each(erased));
-    EXPECT_THAT(controller().flash(), Each(erased));
+    EXPECT_TRUE(isErased());
 }
 
 // --- no flash chip

@@ -51,10 +51,15 @@ void ScriptedServer::accept() {
 
 void ScriptedServer::read() {
     const QByteArray arrived = m_client->readAll();
+    const int searched = m_pending.size(); // a request may be very long
     m_received += arrived.size();
     m_pending += arrived;
-    for (int end = 0; (end = m_pending.indexOf('\n')) >= 0; m_pending.remove(0, end + 1)) {
+    int end = m_pending.indexOf('
+', searched);
+    for (; end >= 0; end = m_pending.indexOf('
+')) {
         const QByteArray request = m_pending.left(end + 1);
+        m_pending.remove(0, end + 1);
         m_requests.push_back(request);
         QList<QByteArray>& replies = m_replies[request.left(end).split(' ').constFirst()];
         m_replied = !replies.isEmpty() && !replies.constFirst().isEmpty();

@@ -202,7 +202,7 @@ TEST_F(OptionWidgetTest, TextThatIsNoNumberNeverReachesTheServer) {
     for (std::uint32_t tag = 2; tag <= 6; ++tag) {
         set(tag, "", ok);
         set(tag, ".-", ok);
-        set(tag, std::string(400, '9'), ok);
+        set(tag, std::string(310, '9'), ok); // more than a double holds
     }
     EXPECT_EQ(server.connections(), 0);
 }

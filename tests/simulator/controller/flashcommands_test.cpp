@@ -104,7 +104,7 @@ TEST_F(FlashCommands, WrongPageAlignmentIsAFault) {
 TEST_F(FlashCommands, EraseClearsTheWholeChip) {
     host.send(page(0, 0) + page(3 * megabyte, 0));
     host.send({cmd::flashErase});
-    EXPECT_THAT(host.chip.flash(), Each(0xFF));
+    EXPECT_TRUE(host.chip.flash() == Bytes(4 * megabyte, 0xFF)); // faster than a matcher
 }
 
 TEST_F(FlashCommands, ReadingFromAMultipleOf64) {
