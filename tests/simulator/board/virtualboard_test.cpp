@@ -106,6 +106,21 @@ TEST_F(VirtualBoardTest, OutlivesAProgramKilledInAMessage) {
                                    "CS 1", "CS 0", "exchanges 62", "CS 1"));
 }
 
+TEST_F(VirtualBoardTest, SaysNothingOfProgramsThatEndInAMessage) {
+    testing::internal::CaptureStderr();
+    wires.holdTransfers(true);
+    {
+        Program program(BOARD_PROGRAM, {"init", "open", "CS0", "byte=a"},
+                        virtualBoard().environment());
+        EXPECT_TRUE(wires.waitFor("exchanges 61"));
+        program.kill();
+    }
+    wires.holdTransfers(false);
+    run({"raw=badaddress"}); // umockdev ends it
+    build();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST_F(VirtualBoardTest, LeavesNothingBehind) {
     std::string root;
     {
