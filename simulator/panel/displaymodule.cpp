@@ -61,7 +61,8 @@ void DisplayModule::setCoprocessorStalled(bool stalled) {
 
 DisplayModule::Counts DisplayModule::counts() const {
     const std::lock_guard lock(m_mutex);
-    return {m_frames, m_controller.listsSwapped(), m_controller.touchTagReads()};
+    return {m_frames, m_controller.listsSwapped(), m_controller.touchTagReads(),
+            m_controller.lastTouchTagRead()};
 }
 
 controller::PanelState DisplayModule::panel() const {

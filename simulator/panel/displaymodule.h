@@ -49,6 +49,7 @@ public:
         std::uint32_t frames = 0; // since construction, over all power cycles
         std::uint32_t swaps = 0;
         std::uint32_t touchTagReads = 0;
+        std::uint8_t lastTagRead = 0; // by the last of these
     };
     Counts counts() const;
     controller::PanelState panel() const;

@@ -86,10 +86,12 @@ public:
         if (finger.now) {
             return Progress::Done;
         }
-        if (!m_session.noticed()) {
+        const bool tapToLift =
+            finger.action == script::Finger::Action::Tap && !m_session.m_tapReleased;
+        if (tapToLift ? !m_session.tagRead() : !m_session.noticed()) {
             return Progress::Waiting;
         }
-        if (finger.action == script::Finger::Action::Tap && !m_session.m_tapReleased) {
+        if (tapToLift) {
             m_rig.module().release();
             m_session.startNotice();
             m_session.m_tapReleased = true;
@@ -392,6 +394,16 @@ bool Session::noticed() {
         m_readsFrom = counts.touchTagReads;
     }
     return counts.touchTagReads - *m_readsFrom >= readsUntilDrawn;
+}
+
+// Whether the application knows what the finger is on. Where that is nothing, there is nothing to
+// know, and it has had its time.
+bool Session::tagRead() {
+    if (noticed()) {
+        return true;
+    }
+    const DisplayModule::Counts counts = m_rig.module().counts();
+    return m_readsFrom && counts.touchTagReads > *m_readsFrom && counts.lastTagRead != 0;
 }
 
 void Session::applicationEnded() {

@@ -53,6 +53,7 @@ private:
     // The finger
     void startNotice();
     bool noticed();
+    bool tagRead();
 
     // The application
     void applicationEnded();
