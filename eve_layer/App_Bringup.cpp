@@ -62,7 +62,7 @@ void enablePanel(Gpu_Hal_Context_t* host) {
 } // namespace
 
 void App_Common_Init(Gpu_Hal_Context_t* host) {
-    wakeController(host, bootTimeMs);
+    wakeController(host, isEve1(), bootTimeMs);
     waitForRegister(host, EVE_REG("__REG_ID"), chipPresent);
     waitForRegister(host, EVE_REG("__REG_CPURESET"), 0);
     setPanelTiming(host);

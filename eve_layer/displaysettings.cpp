@@ -81,7 +81,7 @@ void DisplaySettings::setDisplaySize(const DisplaySize& size) {
 
 bool DisplaySettings::autoDetectDisplayGeneration() {
     Gpu_Hal_Context_t host; // not closed: the display bring-up opens the board again
-    wakeController(&host, bootTimeMs);
+    wakeController(&host, m_displayGeneration == EVE_1, bootTimeMs);
     for (int read = 0; read < chipIdReads; ++read) {
         switch (Gpu_Hal_Rd32(&host, chipIdAddress)) {
         case chipIdEve3:

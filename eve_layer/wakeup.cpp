@@ -1,13 +1,12 @@
 #include "wakeup.h"
 
 #include "Gpu_Hal.h"
-#include "generationinforce.h"
 
-void wakeController(Gpu_Hal_Context_t* host, uint32_t bootTimeMs) {
+void wakeController(Gpu_Hal_Context_t* host, bool asEve1, uint32_t bootTimeMs) {
     Gpu_Hal_Init();
     Gpu_Hal_Open(host);
     Gpu_Hal_Powercycle(true);
-    if (!isEve1()) {
+    if (!asEve1) {
         Gpu_Hal_SetSPI(host, GPU_SPI_SINGLE_CHANNEL, GPU_SPI_ONE_DUMMY);
     }
     Gpu_ClockSelect(GPU_CLOCK_EXTERNAL);

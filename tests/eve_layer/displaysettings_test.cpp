@@ -176,10 +176,7 @@ TEST(DisplaySettingsDeathTest, AnUnknownSizeIsStoredAndLeavesNoTimings) {
 
 class GenerationDetection : public testing::Test {
 protected:
-    GenerationDetection() {
-        board.reset();
-        DisplaySettings::getInstance()->setDisplayGeneration(DisplaySettings::EVE_1);
-    }
+    GenerationDetection() { board.reset(); }
 
     static std::vector<Transaction> reads() { return board.transactions(Transaction::Read); }
 

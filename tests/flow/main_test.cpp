@@ -65,7 +65,7 @@ void printOutcome() {
             onSecond(++seconds);
         }
     });
-    listCommands({0}); // builds its tables: those built after the next line are gone at the exit
+    listCommands({0x1F000001, 0}); // builds all its tables: later ones would be gone at the exit
     std::atexit(printOutcome);
 
     std::string name = "frontpanel";

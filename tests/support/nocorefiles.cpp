@@ -1,4 +1,5 @@
-// Linked into every test program: tests end programs on purpose, and their memory is of no interest.
+// Linked into every test program: tests end programs on purpose, and their memory is of no
+// interest.
 
 #include <sys/resource.h>
 

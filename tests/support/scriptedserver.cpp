@@ -54,10 +54,8 @@ void ScriptedServer::read() {
     const int searched = m_pending.size(); // a request may be very long
     m_received += arrived.size();
     m_pending += arrived;
-    int end = m_pending.indexOf('
-', searched);
-    for (; end >= 0; end = m_pending.indexOf('
-')) {
+    int end = m_pending.indexOf('\n', searched);
+    for (; end >= 0; end = m_pending.indexOf('\n')) {
         const QByteArray request = m_pending.left(end + 1);
         m_pending.remove(0, end + 1);
         m_requests.push_back(request);
