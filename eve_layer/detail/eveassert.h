@@ -2,7 +2,7 @@
 
 // The C library's own assertion failure: prints "FILE:LINE: FUNCTION: Assertion `TEXT' failed." and
 // aborts. Declared here, exactly as <assert.h> does, because that header hides it under NDEBUG.
-// NOLINTNEXTLINE(readability-redundant-declaration): redundant only without NDEBUG.
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier,clang-diagnostic-redundant-decls): theirs.
 extern "C" void __assert_fail(const char* assertion, const char* file, unsigned int line,
                               const char* function) noexcept __attribute__((__noreturn__));
 

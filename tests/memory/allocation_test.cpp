@@ -14,7 +14,8 @@ std::size_t allocations = 0;
 } // namespace
 
 // The C library's allocator, counted. Qt's strings and the C++ operators use it too.
-extern "C" void* __libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier): glibc's
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): glibc's
+extern "C" void* __libc_malloc(std::size_t size);
 
 extern "C" void* malloc(std::size_t size) {
     ++allocations;

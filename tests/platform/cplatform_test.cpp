@@ -26,7 +26,8 @@ std::string firstLineOf(const std::string& path) {
 } // namespace
 
 // In place of the C library's: keeps the microseconds instead of sleeping.
-int usleep(useconds_t __useconds) { // NOLINT(bugprone-reserved-identifier): the header's name
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the header's name
+int usleep(useconds_t __useconds) {
     sleeps.push_back(__useconds);
     return 0;
 }

@@ -1,5 +1,5 @@
 // Read by LeakSanitizer, where a program is built with it.
-// NOLINTBEGIN(bugprone-reserved-identifier)
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier)
 extern "C" const char* __lsan_default_options();
 extern "C" const char* __lsan_default_suppressions();
 
@@ -12,4 +12,4 @@ const char* __lsan_default_options() {
 const char* __lsan_default_suppressions() {
     return "leak:Platform::Platform\n";
 }
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(clang-diagnostic-reserved-identifier)
