@@ -44,3 +44,10 @@ find_program(MOLD mold)
 if(MOLD AND FRONTPANEL_SANITIZE)
     add_link_options(-fuse-ld=mold)
 endif()
+
+if(FRONTPANEL_FUZZ)
+    # Everything is watched, the fuzzers themselves bring libFuzzer's main().
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
