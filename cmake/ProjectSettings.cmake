@@ -45,6 +45,12 @@ if(MOLD AND FRONTPANEL_SANITIZE)
     add_link_options(-fuse-ld=mold)
 endif()
 
+if(FRONTPANEL_COVERAGE)
+    # Atomic, because panelsim has threads.
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
 if(FRONTPANEL_FUZZ)
     # Everything is watched, the fuzzers themselves bring libFuzzer's main().
     add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
