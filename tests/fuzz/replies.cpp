@@ -80,8 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     server.setReply(std::string(reinterpret_cast<const char*>(data), size));
     static DataReader reader; // one connection for all: ports would run out
-    reader.updateParams();
-    reader.start();
+    reader.start();           // reads the parameters first
     reader.updateData();
     const DataReaderParams params = reader.getParams();
     fuzz::require(params.timeConst == params.timeConst);
