@@ -30,7 +30,7 @@ packaging/install-build-packages.sh
 
 # System tests mostly wait for the program.
 cores=$(nproc)
-system_jobs=$((cores * 3))
+system_jobs=$((cores * 8))
 fuzz_seconds=60
 soak_time=2m
 

@@ -28,7 +28,7 @@ if [ "${1:-}" != --report ]; then
     cmake --preset coverage >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
     cmake --build --preset coverage
     find $build -name '*.gcda' -delete
-    ctest --preset coverage --parallel "$(nproc)" --quiet \
+    ctest --preset coverage --parallel $((4 * $(nproc))) --quiet \
         --output-log "$PWD/$build/tests.log" || tests=failed
 fi
 [ -n "$(find $build -name '*.gcda' -print -quit)" ] || could_not_run "no test has counted anything."

@@ -28,7 +28,7 @@ sum_of() { # attribute file...
     local attribute=$1 sum=0 file value
     shift
     for file in "$@"; do
-        value=$(grep -o -m 1 "<testsuites\\? [^>]*" "$file" | head -n 1 |
+        value=$(tr '\n\t' '  ' <"$file" | grep -o "<testsuites\\? [^>]*" | head -n 1 |
             grep -o " $attribute=\"[0-9]*\"" | tr -dc 0-9)
         sum=$((sum + ${value:-0}))
     done
