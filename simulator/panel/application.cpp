@@ -95,7 +95,9 @@ void Application::passOn(int channel) {
         if (line.endsWith('\n')) {
             line.chop(1);
         }
-        std::fprintf(out, "%s: %s\n", name.constData(), line.constData());
+        if (!m_quiet) {
+            std::fprintf(out, "%s: %s\n", name.constData(), line.constData());
+        }
         emit wrote(QString::fromLocal8Bit(line));
     }
     std::fflush(out);

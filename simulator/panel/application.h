@@ -21,7 +21,7 @@ struct ProcessEnd {
 
 // The program on the virtual board, run unmodified as a child process. It never outlives this
 // process, however that ends. What it writes comes out on this process's own standard output and
-// error, each line with the program's name in front.
+// error, each line with the program's name in front, unless it is kept quiet.
 class Application : public QObject {
     Q_OBJECT
 
@@ -29,6 +29,8 @@ public:
     // `environment` holds the variables that make the board visible, in addition to our own.
     Application(QString program, const QProcessEnvironment& environment, QObject* parent = nullptr);
     ~Application() override; // kills it
+
+    void setQuiet(bool quiet) { m_quiet = quiet; }
 
     // Runs it anew; one that is running is killed first. False when it cannot be started; error()
     // then says why.
@@ -58,6 +60,7 @@ private:
     std::unique_ptr<QProcess> m_process;
     std::optional<ProcessEnd> m_lastEnd;
     QString m_error;
+    bool m_quiet = false;
 };
 
 } // namespace panel

@@ -17,6 +17,7 @@ struct Settings {
     board::Options board;
     QString application; // path of the program
     bool startApplication = true;
+    bool quietApplication = false; // what it writes is not passed on, nor how to start it by hand
     bool startServer = true;
     bool serverAnswersEverything = false;
     std::uint32_t seed = 1; // of the server's pulses

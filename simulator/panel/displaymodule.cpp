@@ -93,10 +93,16 @@ void DisplayModule::chipSelect(bool high) {
 
 void DisplayModule::transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) {
     const std::lock_guard lock(m_mutex);
+    const std::uint32_t readsBefore = m_controller.touchTagReads();
     for (std::size_t i = 0; i < length; ++i) {
         const std::uint8_t answer = m_controller.exchange(sent != nullptr ? sent[i] : 0, now());
         if (received != nullptr) {
             received[i] = answer;
+        }
+    }
+    if (m_controller.touchTagReads() != readsBefore) {
+        for (Watcher* watcher : m_watchers) {
+            watcher->touchTagRead(m_controller.lastTouchTagRead());
         }
     }
 }

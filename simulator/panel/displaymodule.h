@@ -20,6 +20,8 @@ public:
     virtual ~Watcher() = default;
 
     virtual void frameScanned(const controller::Controller& /*controller*/) {}
+    // The host reads the touched tag, and has not got it yet. Its transaction may end much later.
+    virtual void touchTagRead(int /*tag*/) {}
     virtual void transactionEnded(const controller::Transaction& /*transaction*/) {}
     virtual void complained(const std::string& /*text*/) {}
 };

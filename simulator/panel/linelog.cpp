@@ -5,8 +5,9 @@
 namespace panel {
 
 void LineLog::mark() {
-    m_marked = m_lines.size();
-    m_passed = m_marked;
+    m_forgotten += m_lines.size();
+    m_lines.clear();
+    m_passed = 0;
 }
 
 bool LineLog::take(const QString& pattern) {

@@ -10,20 +10,21 @@ class LineLog {
 public:
     void add(const QString& line) { m_lines += line; }
 
-    // The lines since here are what since() gives and what take() looks at.
+    // The lines since here are what since() gives and what take() looks at; those before are
+    // forgotten.
     void mark();
 
     // Looks for a line like `pattern` (matchesPattern()) among those that no earlier take() has
     // passed, and passes it.
     bool take(const QString& pattern);
 
-    QStringList since() const { return m_lines.mid(m_marked); } // the last mark
+    QStringList since() const { return m_lines; } // the last mark
 
-    int count() const { return m_lines.size(); }
+    int count() const { return m_forgotten + m_lines.size(); } // since the start
 
 private:
     QStringList m_lines;
-    int m_marked = 0;
+    int m_forgotten = 0;
     int m_passed = 0;
 };
 

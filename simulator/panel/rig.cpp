@@ -52,10 +52,13 @@ Rig::Failure Rig::start() {
     }
     m_timer.start(tickMs);
     m_application = std::make_unique<Application>(m_settings.application, boardEnvironment());
+    m_application->setQuiet(m_settings.quietApplication);
     connect(m_application.get(), &Application::wrote, this,
             [this](const QString& line) { m_log.add(line); });
     if (!m_settings.startApplication) {
-        announceEnvironment();
+        if (!m_settings.quietApplication) {
+            announceEnvironment();
+        }
     } else if (!m_application->start()) {
         return {ExitStatus::ApplicationNotStarted, m_application->error()};
     }
