@@ -36,10 +36,26 @@ bool isLegal(const std::string& line) {
 
 } // namespace
 
+// The C library rounds what lies exactly in the middle to the even digit, the panel's toolkit away
+// from zero.
+std::string inDigits(double value, int digits) {
+    char exact[64];
+    std::snprintf(exact, sizeof exact, "%.40e", std::fabs(value));
+    std::string mantissa = std::string(1, exact[0]) + (exact + 2);
+    const std::string exponent = mantissa.substr(mantissa.find('e'));
+    const auto count = static_cast<std::size_t>(digits);
+    const bool up = mantissa[count] >= '5';
+    long rounded = std::strtol(mantissa.substr(0, count).c_str(), nullptr, 10) + (up ? 1 : 0);
+    rounded = std::signbit(value) ? -rounded : rounded;
+    const std::string text = std::to_string(rounded) + "e" +
+                             std::to_string(std::atoi(exponent.c_str() + 1) - (digits - 1));
+    char shown[32];
+    std::snprintf(shown, sizeof shown, "%.*g", digits, std::strtod(text.c_str(), nullptr));
+    return shown;
+}
+
 std::string inSixDigits(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value == 0 ? 0.0 : value);
-    return text;
+    return inDigits(value, 6);
 }
 
 void ClientModel::readParams() {

@@ -106,7 +106,9 @@ private:
     int m_repeatedStarts = 0;
 };
 
-// A number as it stands in requests and on the options screen: six significant digits.
+// A number with that many significant digits at most, as the panel's toolkit writes it.
+std::string inDigits(double value, int digits);
+// As it stands in requests and on the options screen.
 std::string inSixDigits(double value);
 
 } // namespace soak

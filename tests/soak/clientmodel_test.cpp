@@ -145,5 +145,16 @@ TEST(ClientModel, TakesARepeatedStartForALateReply) {
     EXPECT_FALSE(client.inStep());
 }
 
+TEST(ClientModel, WritesNumbersAsThePanelDoes) {
+    EXPECT_EQ(inDigits(42.125, 4), "42.13");
+    EXPECT_EQ(inDigits(12345, 4), "1.235e+04");
+    EXPECT_EQ(inDigits(-99999.5, 4), "-1e+05");
+    EXPECT_EQ(inDigits(1e300, 4), "1e+300");
+    EXPECT_EQ(inDigits(0.0001234, 4), "0.0001234");
+    EXPECT_EQ(inDigits(0, 4), "0");
+    EXPECT_EQ(inSixDigits(1234567), "1.23457e+06");
+    EXPECT_EQ(inSixDigits(-0.15), "-0.15");
+}
+
 } // namespace
 } // namespace soak

@@ -25,9 +25,7 @@ std::string trimmed(const std::string& text) {
 
 // As counter and histogram show it.
 std::string shortText(double value) {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.4g", value);
-    std::string text = buffer;
+    std::string text = inDigits(value, 4);
     for (std::size_t at = text.find("e+0"); at != std::string::npos; at = text.find("e+0")) {
         text.replace(at, 3, "e");
     }

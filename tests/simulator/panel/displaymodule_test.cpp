@@ -20,8 +20,10 @@ public:
     void transactionEnded(const controller::Transaction& transaction) override {
         transactions.push_back(transaction.sent);
     }
+    void touchTagRead(int tag) override { tags.push_back(tag); }
     void complained(const std::string& text) override { complaints.push_back(text); }
 
+    std::vector<int> tags;
     std::uint32_t lastFrame = 0;
     std::uint32_t frames = 0;
     std::vector<Bytes> transactions;
@@ -86,6 +88,18 @@ TEST_F(DisplayModuleTest, ShowsWatchersEveryTransaction) {
     m_seen.transactions.clear();
     send({0xB0, 0x20, 0x70, 0x05});
     EXPECT_EQ(m_seen.transactions, (std::vector<Bytes>{{0xB0, 0x20, 0x70, 0x05}}));
+}
+
+TEST_F(DisplayModuleTest, ShowsWatchersATagBeforeItsReadEnds) {
+    boot();
+    const Bytes header{0x30, 0x21, 0x2C, 0};
+    m_module.chipSelect(false);
+    m_module.transfer(header.data(), nullptr, header.size());
+    std::uint8_t tag = 0;
+    m_module.transfer(nullptr, &tag, 1);
+    EXPECT_EQ(m_seen.tags, std::vector<int>{tag});
+    m_module.chipSelect(true);
+    EXPECT_EQ(m_seen.tags.size(), 1U);
 }
 
 TEST_F(DisplayModuleTest, ScansFramesInRealTime) {
