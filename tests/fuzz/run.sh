@@ -41,7 +41,7 @@ run() {
         return 1
     fi
     mkdir -p "$build/corpus/$target"
-    QT_LOGGING_RULES='*=false' "$build/bin/fuzz_$target" -max_total_time="$seconds" "${limits[@]}" \
+    QT_LOGGING_RULES='*=false' "$build/bin/ownport" "$build/bin/fuzz_$target" -max_total_time="$seconds" "${limits[@]}" \
         -print_final_stats=1 -artifact_prefix="$findings/$target-" "$build/corpus/$target" \
         "$build/seeds/$target" >"$log" 2>&1 || status=$?
     local inputs rate found=none
@@ -57,8 +57,18 @@ run() {
 
 printf '%-12s %10s %10s  %s\n' target inputs per-second finding
 bad=0
+running=0
+finish_one() {
+    wait -n || bad=$((bad + 1))
+    running=$((running - 1))
+}
 for target in "${targets[@]}"; do
-    run "$target" || bad=$((bad + 1))
+    [ "$running" -lt "$(nproc)" ] || finish_one
+    run "$target" &
+    running=$((running + 1))
+done
+while [ "$running" -gt 0 ]; do
+    finish_one
 done
 if [ "$bad" -gt 0 ]; then
     echo "Fuzzing found something in $bad of ${#targets[@]} targets; see $findings and $build/*.log."

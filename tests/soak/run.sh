@@ -24,6 +24,6 @@ could_not_build() {
 if [ ! -f build/release/CMakeCache.txt ]; then
     cmake --preset release >"$log" 2>&1 || could_not_build
 fi
-cmake --build --preset release --target soak frontpanel >"$log" 2>&1 || could_not_build
+cmake --build --preset release --target soak frontpanel ownport >"$log" 2>&1 || could_not_build
 
-exec build/release/bin/soak "$@" --output build/soak
+exec build/release/bin/ownport build/release/bin/soak "$@" --output build/soak
