@@ -298,4 +298,9 @@ TEST_F(SpiDeviceTest, FailedTransfersGiveNothing) {
     EXPECT_THAT(driver.requests, SizeIs(4));
 }
 
+TEST_F(SpiDeviceTest, TransferOfNothingSucceeds) {
+    openAndForget();
+    EXPECT_TRUE(device.readWrite(nullptr, nullptr, 0));
+}
+
 } // namespace

@@ -207,6 +207,102 @@ TEST(Script, AnEmptyScriptIsGood) {
     EXPECT_TRUE(parsed("# nothing\n").statements.empty());
 }
 
+TEST(Script, TimesAreFromNothingToADay) {
+    EXPECT_EQ(only<WaitTime>("wait time 0s").duration.count(), 0);
+    EXPECT_EQ(only<WaitTime>("wait time 86400s").duration.count(), 86400000);
+    EXPECT_THAT(errorOf("wait time 86400001ms"), StartsWith("s.txt:1: TIME must be a time"));
+    EXPECT_THAT(errorOf("wait time nans"), StartsWith("s.txt:1: TIME must be a time"));
+    EXPECT_THAT(errorOf("wait time s"), StartsWith("s.txt:1: TIME must be a time"));
+}
+
+TEST(Script, TimesAreRoundedToMilliseconds) {
+    EXPECT_EQ(only<WaitTime>("wait time 1.6ms").duration.count(), 2);
+    EXPECT_EQ(only<WaitTime>("wait time 0.0004s").duration.count(), 0);
+}
+
+TEST(Script, NumbersReachTheirBoundsAndNoFurther) {
+    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 1").count, 1U);
+    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 1000000").count, 1000000U);
+    EXPECT_EQ(only<WaitExit>("wait exit 0").status, 0);
+    EXPECT_EQ(only<WaitExit>("wait exit 255").status, 255);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 1").signal, 1);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 64").signal, 64);
+    EXPECT_EQ(errorOf("wait exit signal 0"),
+              "s.txt:1: the signal must be a whole number from 1 to 64, not \"0\"");
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 0").atMostKilobytes, 0);
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 1048576").atMostKilobytes, 1048576);
+    EXPECT_EQ(errorOf("expect memory-growth 1048577"),
+              "s.txt:1: KILOBYTES must be a whole number from 0 to 1048576, not \"1048577\"");
+    EXPECT_EQ(errorOf("wait exit -1"),
+              "s.txt:1: the exit status must be a whole number from 0 to 255, not \"-1\"");
+    EXPECT_EQ(errorOf("move -1 0"), "s.txt:1: X must be a whole number from 0 to 479, not \"-1\"");
+    EXPECT_EQ(errorOf("move 0 -1"), "s.txt:1: Y must be a whole number from 0 to 271, not \"-1\"");
+}
+
+TEST(Script, RegistersHoldAnySignedWord) {
+    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID -2147483648").value, INT32_MIN);
+    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID 2147483647").value, INT32_MAX);
+    EXPECT_EQ(errorOf("expect register REG_NONE 1"),
+              "s.txt:1: the controller has no register \"REG_NONE\"");
+}
+
+TEST(Script, ServerParamsGiveEveryTriggerLevel) {
+    const std::array<double, 4> levels{0.1, -0.2, 30, 0};
+    EXPECT_EQ(only<ServerParams>("server params 0.2 0.1 -0.2 30 0").levels, levels);
+    EXPECT_EQ(errorOf("server params 0.2 0.1 -0.2 30"),
+              "s.txt:1: a trigger level (four) is missing");
+}
+
+TEST(Script, StatesHaveTwoWords) {
+    EXPECT_TRUE(only<ControllerAnswering>("controller answering yes").answering);
+    EXPECT_FALSE(only<CoprocessorStalled>("controller coprocessor running").stalled);
+    EXPECT_EQ(errorOf("controller coprocessor"), "s.txt:1: the state is missing");
+}
+
+TEST(Script, WithinIsALimitOnlyAfterAnotherWordAndBeforeTheLast) {
+    EXPECT_THAT(errorOf("within 2s"), StartsWith("s.txt:1: there is no command \"within\""));
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text within").pattern, "within");
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text within within 1s").pattern, "within");
+}
+
+TEST(Script, LimitsWhateverWaits) {
+    for (const char* line :
+         {"wait frames 1 within 3s", "wait text a within 3s", "screenshot a within 3s",
+          "wait request a within 3s", "wait log a within 3s", "wait connection within 3s",
+          "wait exit within 3s", "tap 1 2 within 3s"}) {
+        const Script script = parsed(line);
+        ASSERT_EQ(script.statements.size(), 1U) << line << script.error.toStdString();
+        EXPECT_EQ(script.statements[0].limit.count(), 3000) << line;
+    }
+    for (const char* line : {"expect text a within 3s", "wait time 1s within 3s",
+                             "server start within 3s", "end within 3s"}) {
+        EXPECT_THAT(errorOf(line), testing::HasSubstr("\"within\" has no meaning")) << line;
+    }
+}
+
+TEST(Script, PictureNamesStartWithALetterOrDigit) {
+    EXPECT_EQ(onlyFrameStep<Screenshot>("screenshot 1_a.B-c").name, "1_a.B-c");
+    EXPECT_THAT(errorOf("screenshot .a"), StartsWith("s.txt:1: a picture's name has"));
+    EXPECT_THAT(errorOf("screenshot a/b"), StartsWith("s.txt:1: a picture's name has"));
+}
+
+TEST(Script, QuotedTextMayBeEmptyAndHoldsItsBlanks) {
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \"\"").pattern, "");
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \" a  b \"").pattern, " a  b ");
+    EXPECT_EQ(onlyFrameStep<WaitText>("wait text a\\\"b").pattern, "a\\\"b"); // not a quotation
+    EXPECT_EQ(errorOf("wait text \"open\\\""),
+              "s.txt:1: a quotation mark is not closed; end the text with \"");
+}
+
+TEST(Script, HelpHasAnEntryForEachCommandWithItsTextInAColumn) {
+    const QStringList lines = help().split('\n');
+    EXPECT_TRUE(lines.contains(QStringLiteral("  wait frames N") + QString(25, ' ') +
+                               QStringLiteral("until N more frames have been scanned")));
+    // What an entry's second line says stands below what its first one says.
+    EXPECT_TRUE(lines.contains(QString(40, ' ') + QStringLiteral("shows what the last run left")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("  FAULT is one of")));
+}
+
 TEST(Script, HelpNamesEveryFault) {
     for (const QString& name : server::faultNames()) {
         EXPECT_TRUE(help().contains(name)) << name.toStdString();

@@ -143,6 +143,12 @@ TEST_F(InstrumentTest, SameSeedGivesTheSameSession) {
     EXPECT_EQ(instrument.answer("DATA?", 3.0), other.answer("DATA?", 3.0));
 }
 
+TEST_F(InstrumentTest, TriggerLevelsUpToTenVoltsOfEitherSignAreTaken) {
+    EXPECT_EQ(instrument.answer("DAC 0,10", 0.0), "");
+    EXPECT_EQ(instrument.answer("DAC 3,-10", 0.0), "");
+    EXPECT_THAT(instrument.params().ref, ElementsAre(10.0, 0.15, 0.25, -10.0));
+}
+
 class InstrumentNonsenseTest : public InstrumentTest,
                                public testing::WithParamInterface<const char*> {};
 

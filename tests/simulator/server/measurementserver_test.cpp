@@ -333,4 +333,20 @@ TEST(MeasurementServerClockTest, TimePassesAsItReallyDoes) {
     EXPECT_LE(pulses, most + 5.0 * std::sqrt(most));
 }
 
+// --- bounds ---
+
+TEST_F(MeasurementServerTest, RequestOfTheGreatestLengthIsReadToItsEnd) {
+    Client client(server);
+    client.send(QByteArray(1024, 'x'));
+    QTest::qWait(50); // gives the server a chance to cut it off; passes either way
+    client.send("\nPARAMS?\n");
+    EXPECT_EQ(client.line(), "Error\n");
+    EXPECT_EQ(client.line(), defaultParams);
+}
+
+TEST_F(MeasurementServerTest, LongerRequestIsAnErrorBeforeItsEnd) {
+    Client client(server);
+    EXPECT_EQ(client.ask(QByteArray(1025, 'x')), "Error\n");
+}
+
 } // namespace
