@@ -249,4 +249,18 @@ TEST_F(CounterWidgetTest, UnderEVE1TheScissorWordsHaveThatGenerationsLayout) {
     EXPECT_EQ(board.transactions(Transaction::Write, 0x108000).size(), 1U);
 }
 
+TEST_F(CounterWidgetTest, LeavingForOneScreenIsNothingElse) {
+    show();
+    passTouching(3);
+    passTouching(0);
+    EXPECT_EQ(gotoOptions.count(), 0);
+    screen.exec();
+    passTouching(4);
+    passTouching(0);
+    EXPECT_EQ(gotoHistogram.count(), 1);
+    EXPECT_EQ(gotoOptions.count(), 1);
+    EXPECT_EQ(start.count() + stop.count(), 0);
+    EXPECT_FALSE(screen.isStarted());
+}
+
 } // namespace

@@ -321,4 +321,20 @@ TEST_F(PNRWidgetTest, BinsAndModeSurviveLeavingAndReentering) {
                          labels({"     1", "     0", "     0", "     0"}) + latestIcon));
 }
 
+TEST_F(PNRWidgetTest, LeavingForOneScreenIsNothingElse) {
+    show();
+    passTouching(3);
+    passTouching(0);
+    EXPECT_EQ(gotoOptions.count(), 0);
+    screen.exec();
+    passTouching(4);
+    passTouching(0);
+    EXPECT_EQ(gotoCounts.count(), 1);
+    EXPECT_EQ(gotoOptions.count(), 1);
+    EXPECT_EQ(start.count() + stop.count(), 0);
+    show();
+    EXPECT_EQ(passTouching(2), redraw(zeros + buttonrow::heldRunButton +
+                                      buttonrow::startIcon("007C9E") + accumulateIcon));
+}
+
 } // namespace
