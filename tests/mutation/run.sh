@@ -25,7 +25,7 @@
 #   --from A..B      only those of lines A to B; --from FILE:LINE is the same as the plain argument
 #   --own            only the tests of the file's own folder; quicker, with more survivors
 #   --system         try survivors on the sessions of tests/system, too (minutes for each)
-#   --minutes N      stop after N minutes
+#   --minutes N      stop after N minutes of trying mutants
 #   --resume         go on with the run that stopped, or was interrupted
 #   --survivors      try the survivors of the last run again
 #   --report         show the report of the last run again

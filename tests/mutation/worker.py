@@ -93,7 +93,8 @@ def read_equivalents():
 
 
 def is_equivalent(mutant, known):
-    return (mutant.file, mutant.before, mutant.after) in known
+    return ((mutant.file, mutant.before, mutant.after) in known
+            or (mutant.file, mutant.before, "*") in known)
 
 
 # ---- A run
@@ -180,10 +181,10 @@ def run_all(workshop, run, mutants, options):
     left = [mutant for mutant in mutants if mutant.name not in done]
     if not left:
         return
-    ends = time.monotonic() + options.minutes * 60 if options.minutes else None
     print(f"{len(left)} mutants to try; preparing the build of the unchanged sources ...", flush=True)
     workshop.synchronise()
     workshop.prepare(sorted({mutant.file for mutant in left}), options)
+    ends = time.monotonic() + options.minutes * 60 if options.minutes else None
     favourites = {}
     for number, mutant in enumerate(left, 1):
         if ends and time.monotonic() > ends:

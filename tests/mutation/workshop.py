@@ -51,6 +51,7 @@ class Workshop:
         self.log = os.path.join(self.base, "last.log")
         self.checks = []
         self._users = {}  # source -> the names of the programs that are made of it
+        self._folders = {}  # program -> the folder whose tests it holds
         self._lock = None
 
     def claim(self):
@@ -120,7 +121,7 @@ class Workshop:
         programs = self._programs_of(files)
         if options.own:
             folders = {tests_of(file) for file in files}
-            programs = {program for program in programs if self._folder_of(program) in folders}
+            programs = {program for program in programs if self._folders[program] in folders}
         if options.system:
             programs |= {"bin/panelsim", "bin/frontpanel"}
         if not self.builds(sorted(programs), None):
@@ -145,6 +146,9 @@ class Workshop:
         for program in programs:
             inputs = subprocess.run(["ninja", "-C", self.build_tree, "-t", "inputs", program],
                                     check=True, capture_output=True, text=True).stdout
+            name = os.path.basename(program)
+            home = re.search(rf"^tests/(.+)/CMakeFiles/{name}\.dir/", inputs, re.M)
+            self._folders[program] = home.group(1) if home else ""
             for path in inputs.split("\n"):
                 if path.startswith(self.tree + os.sep):
                     source = os.path.relpath(path, self.tree)
@@ -188,18 +192,11 @@ class Workshop:
             if program in programs and "unit" in labels and program not in checks:
                 checks[program] = Check(
                     os.path.basename(program), [command[0], "--gtest_fail_fast"], environment,
-                    [program], self._folder_of(program))
+                    [program], self._folders[program])
             elif system and test["name"].startswith("system."):
                 checks[test["name"]] = Check(test["name"], command, environment,
                                              ["bin/panelsim", "bin/frontpanel"], "system")
         return list(checks.values())
-
-    def _folder_of(self, program):
-        """The folder of the sources that a test program is about."""
-        for source, users in self._users.items():
-            if program in users and source.startswith("tests/") and "/support/" not in source:
-                return os.path.dirname(source)[len("tests/"):]
-        return ""
 
     def _measure(self):
         """Runs each check on the unchanged sources; a mutant gets several times as long. The
