@@ -336,4 +336,65 @@ TEST(GenerationTable, GivesUnpublishedRegistersAnAddressOfTheirOwn) {
     }
 }
 
+// Expects the names to have the numbers from `first` on, wherever they are defined.
+void expectNumbered(uint32_t first, const std::vector<const char*>& names) {
+    uint32_t number = first;
+    for (const char* name : names) {
+        for (const auto& value : valuesOf(name)) {
+            EXPECT_EQ(value.value_or(number), number) << name;
+        }
+        ++number;
+    }
+}
+
+TEST(GenerationTable, NumbersEveryBitmapFormat) {
+    expectNumbered(0, {"__ARGB1555", "__L1", "__L4", "__L8", "__RGB332", "__ARGB2", "__ARGB4",
+                       "__RGB565", "__PALETTED", "__TEXT8X8", "__TEXTVGA", "__BARGRAPH",
+                       "__INT_L8C", "__INT_VGA", "__PALETTED565", "__PALETTED4444", "__PALETTED8",
+                       "__L2", "__INT_G8"});
+}
+
+TEST(GenerationTable, NumbersTheValuesOfTheGraphicsState) {
+    expectNumbered(0, {"__NEAREST", "__BILINEAR"});
+    expectNumbered(0, {"__BORDER", "__REPEAT"});
+    expectNumbered(0, {"__ZERO", "__ONE", "__SRC_ALPHA", "__DST_ALPHA", "__ONE_MINUS_SRC_ALPHA",
+                       "__ONE_MINUS_DST_ALPHA"});
+    expectNumbered(0, {"__NEVER", "__LESS", "__LEQUAL", "__GREATER", "__GEQUAL", "__EQUAL",
+                       "__NOTEQUAL", "__ALWAYS"});
+    expectNumbered(
+        1, {"__KEEP", "__REPLACE", "__INCR", "__DECR", "__INVERT", "__INCR_WRAP", "__DECR_WRAP"});
+    expectNumbered(2, {"__RED", "__GREEN", "__BLUE", "__ALPHA"});
+}
+
+TEST(GenerationTable, NumbersModesSamplesAndStates) {
+    expectNumbered(0, {"__TOUCHMODE_OFF", "__TOUCHMODE_ONESHOT", "__TOUCHMODE_FRAME",
+                       "__TOUCHMODE_CONTINUOUS"});
+    expectNumbered(0, {"__CTOUCH_MODE_EXTENDED", "__CTOUCH_MODE_COMPATIBILITY"});
+    expectNumbered(0, {"__ADC_SINGLE_ENDED", "__ADC_DIFFERENTIAL"});
+    expectNumbered(0, {"__LINEAR_SAMPLES", "__ULAW_SAMPLES", "__ADPCM_SAMPLES"});
+    expectNumbered(0, {"__ANIM_ONCE", "__ANIM_LOOP", "__ANIM_HOLD"});
+    expectNumbered(0, {"__FLASH_STATUS_INIT", "__FLASH_STATUS_DETACHED", "__FLASH_STATUS_BASIC",
+                       "__FLASH_STATUS_FULL"});
+}
+
+TEST(GenerationTable, GivesEachInterruptABit) {
+    uint32_t bit = 1;
+    for (const char* name :
+         {"__INT_SWAP", "__INT_TOUCH", "__INT_TAG", "__INT_SOUND", "__INT_PLAYBACK",
+          "__INT_CMDEMPTY", "__INT_CMDFLAG", "__INT_CONVCOMPLETE"}) {
+        EXPECT_THAT(valuesOf(name), ElementsAre(bit, bit, bit)) << name;
+        bit <<= 1;
+    }
+}
+
+TEST(GenerationTable, PutsRegistersAtWholeWords) {
+    for (const GenerationRow& row : generationTable()) {
+        if (startsWith(row, "__REG_") && row.name != QLatin1String("__REG_PLAY_CONTROL")) {
+            for (const auto& address : row.values) {
+                EXPECT_EQ(address.value_or(0) % 4, 0U) << text(row.name);
+            }
+        }
+    }
+}
+
 } // namespace
