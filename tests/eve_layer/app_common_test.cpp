@@ -362,4 +362,14 @@ TEST_F(AppCommonTest, PlayingASoundSetsVolumeSoundAndNoteAndStartsIt) {
                                                   Transaction::write8(0x30208C, 1)));
 }
 
+// --- before anything has used the buffers
+
+const uint32_t cmdIndexAtStart = CmdBuffer_Index;
+const uint32_t dlIndexAtStart = DlBuffer_Index;
+
+TEST_F(AppCommonTest, BuffersAreEmptyWhenTheProgramStarts) {
+    EXPECT_EQ(cmdIndexAtStart, 0U);
+    EXPECT_EQ(dlIndexAtStart, 0U);
+}
+
 } // namespace

@@ -26,7 +26,7 @@ _WORD = re.compile(r"\b(?:true|false|std::min|std::max)\b")
 _WORDS = {"true": "false", "false": "true", "std::min": "std::max", "std::max": "std::min"}
 _CONDITION = re.compile(r"\b(?:if|while)\s*(\()")
 _DECLARATION = re.compile(r"\s*(?:const\b|auto\b|[\w:<>]+[*&]?\s+[*&]?\w+\s*[={;])")
-_CALL = re.compile(r"\b(?!if\b|for\b|while\b|switch\b|return\b|sizeof\b|catch\b|function\b)\w+(?:<[^<>()]*>)?(\()")
+_CALL = re.compile(r"\b(?!if\b|for\b|while\b|switch\b|return\b|sizeof\b|catch\b|function\b|min\b|max\b)\w+(?:<[^<>()]*>)?(\()")
 
 _ASSIGNMENT = re.compile(r"\*?[\w:]+(?:(?:\.|->)\w+|\[[^\]]*\]|\(\))*(?:\+\+|--)?"
                          r"\s*(?:[-+*/%|&^]|<<|>>)?=(?!=)")
