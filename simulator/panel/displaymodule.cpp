@@ -4,6 +4,13 @@
 
 namespace panel {
 
+namespace {
+
+// How much of the time that has passed the model is brought on at once: some eight frames.
+constexpr std::chrono::nanoseconds longestStep = std::chrono::milliseconds(100);
+
+} // namespace
+
 DisplayModule::DisplayModule(controller::Generation generation) : m_controller(generation) {
     m_controller.setObserver(this);
 }
@@ -13,10 +20,14 @@ DisplayModule::~DisplayModule() {
 }
 
 // Asked with the lock held, so that the model's time never runs backwards.
-controller::Nanoseconds DisplayModule::now() const {
-    const auto elapsed = std::chrono::steady_clock::now() - m_start;
-    return static_cast<controller::Nanoseconds>(
-        std::chrono::duration_cast<std::chrono::nanoseconds>(elapsed).count());
+controller::Nanoseconds DisplayModule::now() {
+    const std::chrono::nanoseconds elapsed = std::chrono::steady_clock::now() - m_start;
+    const std::chrono::nanoseconds lost = elapsed - (m_now + longestStep);
+    if (lost.count() > 0) {
+        m_start += lost;
+    }
+    m_now = std::min(elapsed, m_now + longestStep);
+    return static_cast<controller::Nanoseconds>(m_now.count());
 }
 
 void DisplayModule::addWatcher(Watcher* watcher) {

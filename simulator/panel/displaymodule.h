@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controller.h"
+#include "fairmutex.h"
 #include "registers.h"
 #include "virtualboard.h"
 
@@ -28,6 +29,9 @@ public:
 
 // The controller with its panel on the board's wires, living in real time. Every function may be
 // called from any thread.
+//
+// On a machine that cannot draw frames as fast as they are due, or that has paused the process, the
+// panel's time falls behind the clock's; it never stands still and is never made up for.
 class DisplayModule : public board::Wires, private controller::Observer {
 public:
     explicit DisplayModule(controller::Generation generation);
@@ -71,13 +75,14 @@ public:
     void transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) override;
 
 private:
-    controller::Nanoseconds now() const;
+    controller::Nanoseconds now();
     void frameScanned(std::uint32_t number, controller::Nanoseconds now) override;
     void transactionEnded(const controller::Transaction& transaction) override;
     void complained(const std::string& text) override;
 
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-    mutable std::mutex m_mutex; // guards all below
+    mutable FairMutex m_mutex; // guards all below
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    std::chrono::nanoseconds m_now{0}; // how far the model has been brought
     controller::Controller m_controller;
     std::uint32_t m_frames = 0;
     std::vector<Watcher*> m_watchers;

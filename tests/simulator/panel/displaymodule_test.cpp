@@ -111,6 +111,17 @@ TEST_F(DisplayModuleTest, ScansFramesInRealTime) {
     EXPECT_EQ(m_seen.frames, m_module.counts().frames);
 }
 
+TEST_F(DisplayModuleTest, MakesUpForNoMoreThanATenthOfASecondAtOnce) {
+    boot();
+    send({0xB0, 0x20, 0x70, 0x05});
+    waitForFrames(1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(400)); // some thirty frames
+    const std::uint32_t before = m_module.counts().frames;
+    m_module.advance();
+    EXPECT_LE(m_module.counts().frames, before + 8);
+    waitForFrames(before + 9); // it goes on
+}
+
 TEST_F(DisplayModuleTest, CountsFramesOverPowerCycles) {
     boot();
     send({0xB0, 0x20, 0x70, 0x05});
