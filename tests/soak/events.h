@@ -26,7 +26,8 @@ inline Milliseconds now() {
 }
 
 // Collects events from the board's and the server's threads. Both add theirs before the application
-// gets its answer, so they stand in the order in which the application did what they tell.
+// gets its answer, so they stand in the order in which the application did what they tell; but a
+// request that it does not wait for, or no longer, may come behind what it did next.
 class EventQueue {
 public:
     void add(Event event) {

@@ -19,6 +19,7 @@ constexpr Milliseconds startLimit = 60000;
 constexpr Milliseconds noticeLimit = 30000;
 constexpr Milliseconds panelLimit = 8000;
 constexpr Milliseconds logLimit = 2000;
+constexpr Milliseconds requestLimit = 5000; // on its way to a busy server
 // As a session waits: the tag of a touch is known after two frames, and noticed and drawn after
 // three reads.
 constexpr int framesUntilTag = 2;
@@ -207,12 +208,48 @@ void Soak::change(const Action& action) {
     }
 }
 
+void Soak::takeEvents() {
+    for (Event& event : m_events.take()) {
+        m_pending.push_back(std::move(event));
+    }
+}
+
 void Soak::readEvents() {
-    for (const Event& event : m_events.take()) {
-        if (!failed()) {
-            handle(event);
+    takeEvents();
+    while (!m_pending.empty() && !failed()) {
+        handle(nextEvent());
+    }
+    if (failed()) {
+        m_pending.clear();
+    }
+}
+
+// Whether the application has done something else since it sent a request that has not come yet.
+bool Soak::isOvertaken() const {
+    return m_pending.front().kind == Event::Kind::TagRead && m_model.client().isBusy() &&
+           m_model.client().inStep();
+}
+
+// The next event in the order in which the application did what it tells. Requests do not overtake
+// each other, and nothing overtakes what the server does.
+Event Soak::nextEvent() {
+    const auto isOfServer = [](const Event& event) { return event.kind != Event::Kind::TagRead; };
+    auto next = m_pending.begin();
+    if (isOvertaken()) {
+        const Milliseconds end = now() + requestLimit;
+        next = std::find_if(m_pending.begin(), m_pending.end(), isOfServer);
+        while (next == m_pending.end() && now() < end) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            takeEvents();
+            next = std::find_if(m_pending.begin(), m_pending.end(), isOfServer);
+        }
+        if (next == m_pending.end() || next->kind != Event::Kind::Request) {
+            next = m_pending.begin();
         }
     }
+    Event event = std::move(*next);
+    m_pending.erase(next);
+    return event;
 }
 
 void Soak::handle(const Event& event) {

@@ -12,6 +12,7 @@
 #include <QObject>
 
 #include <array>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -59,6 +60,9 @@ private:
     void perform(const Action& action);
     void change(const Action& action);
     void readEvents();
+    void takeEvents();
+    bool isOvertaken() const;
+    Event nextEvent();
     void handle(const Event& event);
     void violated(const Violation& violation);
     bool isLateReply();
@@ -78,6 +82,7 @@ private:
 
     const Options m_options;
     EventQueue m_events;
+    std::deque<Event> m_pending; // taken from there, not handled yet
     std::unique_ptr<panel::Rig> m_rig;
     std::unique_ptr<TagWatcher> m_watcher;
     std::unique_ptr<ServerDoor> m_server;
