@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """python3 tests/mutation/mutants_test.py"""
 
 import unittest
