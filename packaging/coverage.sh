@@ -26,7 +26,7 @@ mkdir -p $report
 tests=passed
 if [ "${1:-}" != --report ]; then
     cmake --preset coverage >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
-    cmake --build --preset coverage
+    cmake --build --preset coverage --target unit_tests system_tests
     find $build -name '*.gcda' -delete
     ctest --preset coverage --parallel $((4 * $(nproc))) --quiet \
         --output-log "$PWD/$build/tests.log" || tests=failed
