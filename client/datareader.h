@@ -75,7 +75,7 @@ public:
 
 signals:
     void paramsUpdated(DataReaderParams params);
-    void dataUpdated(DataReaderData data);
+    void dataUpdated(DataReaderData);
 
 public slots:
     // One polling step: reads a sample, emits dataUpdated and asks to be called again one time

@@ -150,6 +150,13 @@ TEST(DataReaderMetaObjectTest, HasTwoSignalsAndOneSlotInThisOrder) {
                                      "dataUpdated(DataReaderData)", "updateData()"));
 }
 
+TEST(DataReaderMetaObjectTest, OnlyTheParametersSignalNamesItsArgument) {
+    const QMetaObject& meta = DataReader::staticMetaObject;
+    const int first = meta.methodOffset();
+    EXPECT_THAT(meta.method(first).parameterNames(), ElementsAre("params"));
+    EXPECT_THAT(meta.method(first + 1).parameterNames(), ElementsAre(""));
+}
+
 TEST_F(DataReaderWithoutServerTest, ParamsAreZeroAtFirst) {
     const DataReaderParams params = client.getParams();
     EXPECT_EQ(params.timeConst, 0.0);
