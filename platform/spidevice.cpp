@@ -33,9 +33,9 @@ void SpiDevice::setSpeed(const unsigned int& speed) {
 void SpiDevice::setBitsPerWord(const unsigned int& bitsPerWord) {
     m_bitsPerWord = bitsPerWord;
     if (m_handle != 0) {
-        // The driver reads one byte.
-        auto lowByte = static_cast<__u8>(m_bitsPerWord);
-        ioctl(m_handle, SPI_IOC_WR_BITS_PER_WORD, &lowByte);
+        // The driver reads one byte, the low one.
+        static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "a word starts with its low byte");
+        ioctl(m_handle, SPI_IOC_WR_BITS_PER_WORD, &m_bitsPerWord);
     }
 }
 

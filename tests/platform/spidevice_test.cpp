@@ -36,6 +36,8 @@ public:
     };
 
     board::IoctlAnswer ioctl(unsigned long number, const board::CallerMemory& argument) override {
+        // Before it is followed, which makes it point to a copy.
+        std::memcpy(&lastPointer, argument.bytes(), sizeof lastPointer);
         const auto memory = argument.follow(0, _IOC_SIZE(number));
         requests.push_back({number, Bytes(memory->bytes(), memory->bytes() + memory->size())});
         if (fails) {
@@ -53,7 +55,8 @@ public:
     bool fails = false;
     Bytes answer; // what a receiving transfer gets, as far as it is that long
     std::vector<Request> requests;
-    Bytes sent; // by the last transfer
+    std::uintptr_t lastPointer = 0; // as the last request had it
+    Bytes sent;                     // by the last transfer
 
 private:
     board::IoctlAnswer transfer(const board::CallerMemory& memory) {
@@ -124,6 +127,19 @@ TEST_F(SpiDeviceTest, SettingsUseTheDriversRequestNumbers) {
     EXPECT_EQ(driver.requests[0].number, 0x40046B05U); // 32-bit mode, 4 bytes
     EXPECT_EQ(driver.requests[1].number, 0x40016B03U); // bits per word, 1 byte
     EXPECT_EQ(driver.requests[2].number, 0x40046B04U); // speed, 4 bytes
+}
+
+TEST_F(SpiDeviceTest, SettersPointTheDriverAtTheStoredValues) {
+    openAndForget();
+    const auto begin = reinterpret_cast<std::uintptr_t>(&device);
+    const auto pointsIntoDevice =
+        testing::AllOf(testing::Ge(begin), testing::Lt(begin + sizeof device));
+    device.setMode(1);
+    EXPECT_THAT(driver.lastPointer, pointsIntoDevice);
+    device.setBitsPerWord(16);
+    EXPECT_THAT(driver.lastPointer, pointsIntoDevice);
+    device.setSpeed(500000);
+    EXPECT_THAT(driver.lastPointer, pointsIntoDevice);
 }
 
 TEST_F(SpiDeviceTest, SettersWhileOpenReachTheDriverAtOnce) {
