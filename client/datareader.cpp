@@ -12,7 +12,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <utility>
 
 namespace {
 
@@ -25,7 +24,9 @@ constexpr double minTimeConst = 0.01; // seconds
 constexpr double maxTimeConst = 10.0; // seconds
 // From this interval on a poll need not be punctual to the millisecond.
 constexpr int coarseTimerFromMs = 2000;
-// What a server that keeps on reporting no time constant is polled with: the shortest there is.
+// How often in a row the client polls at once, and what a server that goes on reporting no time
+// constant is polled with then: the shortest there is.
+constexpr int mostPollsAtOnce = 5;
 constexpr int restlessIntervalMs = 10;
 
 const QString paramsCommand = QStringLiteral("PARAMS?\n");
@@ -127,7 +128,7 @@ void DataReader::start() {
         const QString reply = tcpIpQuery(startCommand(m_params.timeConst), replyWaitMs, &ok);
         if (ok && reply.contains(QLatin1String("Ok"))) {
             m_stopped = false;
-            m_armedAtOnce = false;
+            m_pollsAtOnce = 0;
             qDebug() << "start" << pollIntervalMs();
             armUpdateData();
             return;
@@ -183,11 +184,11 @@ int DataReader::pollIntervalMs() const {
 // Qt arms nothing for a negative interval, with a warning of its own: the polling ends then, until
 // the next start. An interval of 0 is a call at the next pass of the event loop. A server that
 // answers quickly and always reports 0 would be polled some ten thousand times a second, at the
-// expense of all that runs beside it, so only the first of such polls comes at once.
+// expense of all that runs beside it, so only the first few of such polls come at once.
 void DataReader::armUpdateData() {
     int intervalMs = pollIntervalMs();
-    const bool atOnce = intervalMs == 0;
-    if (std::exchange(m_armedAtOnce, atOnce) && atOnce)
+    m_pollsAtOnce = intervalMs == 0 ? std::min(m_pollsAtOnce + 1, mostPollsAtOnce + 1) : 0;
+    if (m_pollsAtOnce > mostPollsAtOnce)
         intervalMs = restlessIntervalMs;
     const Qt::TimerType type = intervalMs >= coarseTimerFromMs ? Qt::CoarseTimer : Qt::PreciseTimer;
     QTimer::singleShot(intervalMs, type, this, &DataReader::updateData);

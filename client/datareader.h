@@ -80,8 +80,8 @@ signals:
 public slots:
     // One polling step: reads a sample, emits dataUpdated and asks to be called again one time
     // constant later, also when the reply was of no use. Does nothing while no run is active.
-    // With a time constant of 0 the next step comes at once, but while 0 is all that the server
-    // reports, every 10 ms; a negative one ends the polling until the next start.
+    // With a time constant of 0 the next step comes at once, but from the sixth time in a row that
+    // the server reports 0, after 10 ms; a negative one ends the polling until the next start.
     void updateData();
 
 private:
@@ -92,6 +92,6 @@ private:
     QTimer* m_timer; // never started: polling runs on one-shot timers
     DataReaderParams m_params{};
     DataReaderData m_data{};
-    bool m_stopped = true;      // no measurement run is active
-    bool m_armedAtOnce = false; // the step armed last was to come after 0 ms
+    bool m_stopped = true; // no measurement run is active
+    int m_pollsAtOnce = 0; // steps in a row that were to come after 0 ms
 };
