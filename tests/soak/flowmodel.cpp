@@ -12,6 +12,11 @@ bool FlowModel::isRunShown() const {
     return m_screen == Screen::Counter ? m_counterStarted : m_histogramStarted;
 }
 
+std::vector<int> FlowModel::tagsShownHeld() const {
+    const bool pollsDraw = m_screen == Screen::Counter || m_screen == Screen::Histogram;
+    return pollsDraw && !m_touched.empty() ? m_touched : std::vector<int>{m_drawnHeld};
+}
+
 void FlowModel::fallOutOfStep() {
     m_client.fallOutOfStep();
     m_values.reset();
@@ -36,9 +41,13 @@ Verdict FlowModel::tagRead(int read) {
             m_optionsRedraw = true;
         }
         m_held = touched;
+        if (m_touched.empty() || m_touched.back() != touched) {
+            m_touched.push_back(touched);
+        }
     } else if (m_held != tag::none) {
         const int last = m_held;
         m_held = m_drawnHeld = tag::none;
+        m_touched.clear();
         released(last);
         m_optionsRedraw = true;
     }

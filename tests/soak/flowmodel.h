@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace soak {
 
@@ -30,9 +31,10 @@ public:
     bool isRunShown() const; // of the counter or histogram screen: the stop square
     bool accumulates() const { return m_accumulate; }
     int heldTag() const { return m_held; }
-    // The one that the last frame drawn for a press or release shows held. Polls draw frames too,
-    // so that on counter and histogram the held tag may be shown instead.
-    int drawnHeldTag() const { return m_drawnHeld; }
+    // Those of which one is shown held: the one of the last frame drawn for a press or release.
+    // Polls draw frames too, so that on counter and histogram it may be any that the finger has
+    // touched since it came down.
+    std::vector<int> tagsShownHeld() const;
     const std::string& keypadTitle() const { return m_keypadTitle; }
     const std::string& keypadText() const { return m_keypad.text(); }
 
@@ -63,6 +65,7 @@ private:
     bool m_returnToCounter = false;
     int m_held = tag::none;
     int m_drawnHeld = tag::none;
+    std::vector<int> m_touched; // since the finger came down on this screen
     bool m_keypadDrawn = false;
     int m_keypadRow = 0; // the options screen's tag that opened the keypad
     std::string m_keypadTitle;

@@ -96,7 +96,7 @@ TEST_F(Flow, ClearsTheBinsWhenTheHistogramStarts) {
 TEST_F(Flow, TakesASlideForAReleaseOfTheLastButton) {
     EXPECT_FALSE(model.tagRead(tag::run));
     EXPECT_FALSE(model.tagRead(tag::options));
-    EXPECT_EQ(model.drawnHeldTag(), tag::run);
+    EXPECT_EQ(model.tagsShownHeld(), (std::vector<int>{tag::run, tag::options}));
     EXPECT_EQ(model.heldTag(), tag::options);
     EXPECT_FALSE(model.tagRead(255));
     EXPECT_EQ(model.screen(), Screen::Options);

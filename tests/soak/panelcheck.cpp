@@ -116,21 +116,29 @@ std::string hexadecimal(std::uint32_t color) {
     return text;
 }
 
-std::optional<std::string> faceMismatch(const FlowModel& model,
+std::optional<std::string> faceMismatch(Screen screen, int heldTag,
                                         const controller::Picture& picture) {
-    const bool pollsDraw = model.screen() == Screen::Counter || model.screen() == Screen::Histogram;
-    for (const Item& item : itemsOf(model.screen())) {
-        const bool drawnHeld = item.tag == model.drawnHeldTag();
-        const bool held = item.tag == model.heldTag();
+    for (const Item& item : itemsOf(screen)) {
+        const bool held = item.tag == heldTag;
         const std::uint32_t color = colorAt(picture, item.face);
-        const bool fits = color == (drawnHeld ? item.heldColor : item.color) ||
-                          (pollsDraw && color == (held ? item.heldColor : item.color));
-        if (!fits) {
+        if (color != (held ? item.heldColor : item.color)) {
             return "the button with tag " + std::to_string(item.tag) + " has the colour " +
                    hexadecimal(color) + (held ? " while held" : " while not held");
         }
     }
     return std::nullopt;
+}
+
+std::optional<std::string> faceMismatch(const FlowModel& model,
+                                        const controller::Picture& picture) {
+    std::optional<std::string> found;
+    for (const int held : model.tagsShownHeld()) {
+        found = faceMismatch(model.screen(), held, picture);
+        if (!found) {
+            break;
+        }
+    }
+    return found;
 }
 
 std::optional<std::string> runIconMismatch(const FlowModel& model,
