@@ -4,6 +4,7 @@
 import unittest
 
 from mutants import find_mutants
+from workshop import tests_of
 
 
 def after(text, kind=None):
@@ -78,6 +79,16 @@ class FindMutants(unittest.TestCase):
         text = in_function("    a(b,\n      c);\n    d(7);")
         for mutant in find_mutants("some.cpp", text):
             self.assertEqual(mutant.apply(text).count("\n"), text.count("\n"))
+
+
+class TestsOf(unittest.TestCase):
+    def test_finds_the_tests_of_a_folder_or_of_one_further_up(self):
+        folders = ["widgets", "simulator/panel", "flow"]
+        self.assertEqual(tests_of("widgets/text.cpp", folders), "widgets")
+        self.assertEqual(tests_of("widgets/drawing/text.cpp", folders), "widgets")
+        self.assertEqual(tests_of("simulator/panel/script.cpp", folders), "simulator/panel")
+        self.assertEqual(tests_of("main.cpp", folders), "flow")
+        self.assertEqual(tests_of("bench/main.cpp", folders), "")
 
 
 if __name__ == "__main__":
