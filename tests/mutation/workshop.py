@@ -13,6 +13,7 @@ import subprocess
 import time
 
 BUILD_LIMIT = 600  # seconds; the first build of everything has none
+SESSION_PROGRAMS = ["bin/ownport", "bin/panelsim", "bin/frontpanel"]
 GIGABYTE = 1 << 30
 
 
@@ -123,7 +124,7 @@ class Workshop:
             folders = {self._tests_of(file) for file in files}
             programs = {program for program in programs if self._folders[program] in folders}
         if options.system:
-            programs |= {"bin/panelsim", "bin/frontpanel"}
+            programs.update(SESSION_PROGRAMS)
         if not self.builds(sorted(programs), None):
             raise Broken(f"the unchanged sources do not build: see {self.log}")
         self.checks = self._find_checks(programs, options.system)
@@ -196,9 +197,9 @@ class Workshop:
                 checks[program] = Check(
                     os.path.basename(program), [*command, "--gtest_fail_fast"], environment,
                     [program], self._folders[program])
-            elif system and test["name"].startswith("system."):
+            elif system and "--script" in command:
                 checks[test["name"]] = Check(test["name"], command, environment,
-                                             ["bin/panelsim", "bin/frontpanel"], "system")
+                                             SESSION_PROGRAMS, "system")
         return list(checks.values())
 
     def _measure(self):
