@@ -116,7 +116,7 @@ TEST(PulseSourceTest, HeightsAreBlurredNormally) {
     for (const double deviations : {-2.0, -1.0, -0.5, 0.0, 0.5, 1.0, 2.0}) {
         const double higher = (above(0.1 + deviations * 0.012) - above(0.15)) / singles;
         const double expected = std::erfc(deviations / std::sqrt(2.0)) / 2.0;
-        EXPECT_NEAR(higher, expected, 0.01) << deviations << " standard deviations";
+        EXPECT_NEAR(higher, expected, 0.005) << deviations << " standard deviations";
     }
 }
 
