@@ -287,6 +287,14 @@ TEST_F(DataReaderTest, ClosingSocketCountsAsReadyAndTakesTheRequestWithoutReconn
     EXPECT_EQ(server.connections(), 1);
 }
 
+// The client itself asks for an address and no name, so only somebody else's lookup can be seen.
+TEST_F(DataReaderWithoutServerTest, SocketThatLooksUpANameCountsAsReady) {
+    auto* const socket = client.findChild<QTcpSocket*>();
+    socket->connectToHost(QStringLiteral("localhost"), 9800);
+    ASSERT_EQ(socket->state(), QAbstractSocket::HostLookupState);
+    EXPECT_TRUE(client.isSocketReady());
+}
+
 // --- one request and its reply ---
 
 TEST_F(DataReaderTest, QueryReturnsTheReplyAndOk) {
