@@ -5,8 +5,10 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <unistd.h>
 
 using testing::Each;
@@ -34,20 +36,20 @@ int usleep(useconds_t __useconds) {
 
 namespace {
 
-// Platform is one per process, so all these tests share it and its board.
+// Platform is one per process, so all these tests share it and its board, also when they are
+// repeated.
 class PlatformTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        wires = new RecordingWires;
-        virtualBoard = new board::VirtualBoard(*wires);
+        if (virtualBoard) {
+            showBoardAgain();
+            return;
+        }
+        wires = std::make_unique<RecordingWires>();
+        virtualBoard = std::make_unique<board::VirtualBoard>(*wires);
         Platform::getInstance();
         virtualBoard->sync();
         logOfConstruction = wires->log();
-    }
-
-    static void TearDownTestSuite() {
-        delete virtualBoard;
-        delete wires;
     }
 
     PlatformTest() {
@@ -65,9 +67,17 @@ protected:
         return wires->log();
     }
 
-    inline static RecordingWires* wires;
-    inline static board::VirtualBoard* virtualBoard;
+    inline static std::unique_ptr<RecordingWires> wires;
+    inline static std::unique_ptr<board::VirtualBoard> virtualBoard;
     inline static std::vector<std::string> logOfConstruction;
+
+private:
+    // This process has seen other tests' boards since.
+    static void showBoardAgain() {
+        for (const auto& [name, value] : virtualBoard->environment()) {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
 };
 
 TEST_F(PlatformTest, DeselectsTheControllerAndLeavesItsPowerAloneWhenBuilt) {
