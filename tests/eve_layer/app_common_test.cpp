@@ -150,7 +150,7 @@ TEST_F(AppCommonTest, AStringAtAFullBufferFlushesItWithAMessageAndWaits) {
 TEST_F(AppCommonTest, AStringThatStartsInTheBufferIsCopiedWholePastItsEnd) {
     appendWords(0, 1023);
     testing::internal::CaptureStdout();
-    App_WrCoStr_Buffer(&host, "abcdefgh");
+    App_WrCoStr_Buffer(&host, "abcdefghijk");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(CmdBuffer_Index, 4092U + 12U);
 
@@ -159,7 +159,7 @@ TEST_F(AppCommonTest, AStringThatStartsInTheBufferIsCopiedWholePastItsEnd) {
     const Words words = flushedWords();
     ASSERT_EQ(words.size(), 1027U);
     EXPECT_THAT(Words(words.begin() + 1023, words.end()),
-                ElementsAre(0x64636261, 0x68676665, 0, 0x1234));
+                ElementsAre(0x64636261, 0x68676665, 0x006B6A69, 0x1234));
 }
 
 TEST_F(AppCommonTest, AStringLongerThanTheRoomBehindTheBufferIsCutWithAMessage) {
