@@ -177,6 +177,15 @@ TEST_F(ScreenFlowTest, TheWayBackFollowsTheLatestWayIn) {
     EXPECT_THAT(shown(), ElementsAre("counter"));
 }
 
+TEST_F(ScreenFlowTest, TheWayBackLeadsToTheScreenThatWasLeftHoweverThatOneWasReached) {
+    counter.terminate();
+    wayBack.toCounter = true;
+    histogram.exec();
+    tap(histogram, openOptions);
+    tap(options, back);
+    EXPECT_THAT(shown(), ElementsAre("histogram"));
+}
+
 TEST_F(ScreenFlowTest, AVisitToTheOptionsScreenKeepsTheRunAndTheHistogram) {
     tap(counter, otherScreen);
     tap(histogram, run);
