@@ -18,7 +18,7 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 # Tables written by a program.
-GENERATED = {"simulator/controller/romfontdata.cpp"}
+GENERATED = {"simulator/controller/rom/romfontdata.cpp"}
 FINDING = re.compile(r"^(?P<file>/[^:]+):(?P<place>\d+:\d+): (warning|error): (?P<text>.*)$")
 INCLUDED = re.compile(r"^\.+ (?P<file>/.*|\S.*)$")
 MISSING = re.compile(r"'(?P<name>[^']+)' file not found")

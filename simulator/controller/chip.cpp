@@ -1,5 +1,6 @@
 #include "chip.h"
 
+#include "fontrom.h"
 #include "names.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ constexpr std::size_t mebibyte = 1048576;
 } // namespace
 
 Controller::Chip::Chip(Generation generation, const Options& options)
-    : m_generation(generation), m_memory(generation), m_registers(generation),
+    : m_generation(generation), m_memory(generation, romImage(generation)), m_registers(generation),
       m_bus(generation, m_memory, *this), m_host(*this), m_power(generation),
       m_flash(generation == Generation::E3 ? options.flashSize : 0),
       m_display(generation, m_memory, m_registers,
@@ -425,6 +426,10 @@ void Controller::Chip::setCoprocessorStalled(bool stalled) {
 
 void Controller::Chip::ringEmptied() {
     raise(interrupt::ringEmpty);
+}
+
+void Controller::Chip::complainOfAccess(const char* what, std::uint32_t address) {
+    complain(std::string(what) + " " + memoryName(m_generation, address));
 }
 
 void Controller::Chip::complain(const std::string& text) {

@@ -74,6 +74,7 @@ private:
     std::uint32_t readRegister(Register id) override;
     std::uint32_t peekRegister(Register id) const override;
     void writeRegister(Register id, std::uint32_t value) override;
+    void complainOfAccess(const char* what, std::uint32_t address) override;
     // CoprocessorPort
     bool isScanning() const override { return m_timing.isScanning(); }
     bool isSwapPending() const override { return m_registers[Register::DlSwap] != 0; }
@@ -81,7 +82,7 @@ private:
     void showList(const DisplayList& list) override;
     void interruptAfter(Nanoseconds delay) override { m_interruptAt = m_now + delay; }
     void ringEmptied() override;
-    // all three
+    // HostTarget and CoprocessorPort
     void complain(const std::string& text) override;
 
     Nanoseconds nextEvent() const;

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "frame.h"
 #include "generation.h"
-#include "graphicsengine.h"
-#include "picture.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "controller.h"
+#include "frame.h"
+#include "generation.h"
 #include "graphicsengine.h"
 #include "memorymap.h"
 #include "registers.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>

@@ -6,8 +6,11 @@ set -euo pipefail
 shopt -s nullglob
 cd "$1"
 
+# The parts of the controller model.
+c=simulator/controller
+
 # Folder, and the folders whose headers it may include besides its own ("Qt" for Qt's).
-rules='
+rules="
 assets                  Qt
 client                  Qt
 platform                Qt
@@ -17,11 +20,25 @@ eve_layer/words
 widgets                 Qt client eve_layer platform assets eve_layer/words widgets/drawing
 widgets/drawing         Qt eve_layer platform eve_layer/words
 .                       Qt client eve_layer platform widgets assets
-simulator/controller
+$c/base
+$c/words                $c/base
+$c/memory               $c/base
+$c/clock                $c/base $c/memory
+$c/touch                $c/base $c/memory
+$c/flash
+$c/rom                  $c/base $c/words $c/memory
+$c/text                 $c/base $c/memory $c/rom
+$c/host                 $c/memory $c/text
+$c/graphics             $c/base $c/words $c/memory $c/rom
+$c/coprocessor          $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text
+$c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $c/coprocessor
 simulator/board
 simulator/server        Qt
-simulator/panel         Qt simulator/controller simulator/board simulator/server
-'
+simulator/panel         Qt $c $c/base $c/memory $c/text $c/coprocessor simulator/board simulator/server
+"
+
+# More sources than this in one folder of the controller model are more than one part.
+most_sources=30
 
 # Header name -> the folders that have one of that name.
 declare -A homes_of
@@ -57,8 +74,31 @@ check_include() { # folder allowed file line
     report "$file includes \"$header\" of$homes: $folder does not stand on that"
 }
 
+declare -A allowed_in
+while read -r folder allowed; do
+    [ -z "$folder" ] || allowed_in[$folder]=" $allowed "
+done <<<"$rules"
+
+check_folder() { # folder allowed
+    local folder=$1 allowed=$2 other sources
+    for other in $allowed; do
+        [[ ${allowed_in[$other]:-} != *" $folder "* ]] || report "$folder and $other need each other"
+    done
+    sources=$(find "$folder" -maxdepth 1 -name '*.cpp' -o -maxdepth 1 -name '*.h' | wc -l)
+    if [[ $folder == "$c"* ]] && [ "$sources" -gt "$most_sources" ]; then
+        report "$folder has $sources sources, more than $most_sources"
+    fi
+}
+
+# A part of the model that no rule is about could include anything.
+for folder in "$c"/*/; do
+    folder=${folder%/}
+    [ -n "${allowed_in[$folder]+known}" ] || report "$folder has no rule"
+done
+
 while read -r folder allowed; do
     [ -n "$folder" ] || continue
+    check_folder "$folder" "$allowed"
     for file in "$folder"/*.cpp "$folder"/*.h; do
         checked=$((checked + 1))
         while read -r line; do

@@ -28,11 +28,13 @@ public:
         writes.emplace_back(id, value);
         values[id] = value;
     }
-    void complain(const std::string& text) override { complaints.push_back(text); }
+    void complainOfAccess(const char* what, std::uint32_t address) override {
+        complaints.emplace_back(what, address);
+    }
 
     std::map<Register, std::uint32_t> values;
     std::vector<std::pair<Register, std::uint32_t>> writes;
-    std::vector<std::string> complaints;
+    std::vector<std::pair<std::string, std::uint32_t>> complaints;
     int reads = 0;
 };
 
@@ -46,7 +48,7 @@ protected:
         space.endBurst();
     }
 
-    MemoryMap memory{Generation::E3};
+    MemoryMap memory{Generation::E3, {}};
     RecordingBehaviour registers;
     AddressSpace space{Generation::E3, memory, registers};
 };
@@ -101,9 +103,9 @@ TEST_F(AddressSpaceTest, UnknownAndReadOnlyRegistersAreComplainedAboutOnce) {
     burst(0x302000, {1});
     EXPECT_EQ(space.read8(0x302FF4), 0);
     EXPECT_TRUE(registers.writes.empty());
-    EXPECT_THAT(registers.complaints, ElementsAre("write to unknown register RAM_REG+4080",
-                                                  "write to read-only register RAM_REG",
-                                                  "read of unknown register RAM_REG+4084"));
+    EXPECT_THAT(registers.complaints, ElementsAre(Pair("write to unknown register", 0x302FF0),
+                                                  Pair("write to read-only register", 0x302000),
+                                                  Pair("read of unknown register", 0x302FF4)));
 }
 
 TEST_F(AddressSpaceTest, UnmappedMemoryReadsZeroAndTakesNothing) {

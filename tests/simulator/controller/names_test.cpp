@@ -1,3 +1,4 @@
+#include "commandtable.h"
 #include "names.h"
 
 #include <gtest/gtest.h>

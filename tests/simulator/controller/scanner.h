@@ -5,6 +5,7 @@
 #include "fontrom.h"
 #include "graphicsengine.h"
 #include "graphicsmemory.h"
+#include "memorylayout.h"
 
 #include <algorithm>
 #include <array>

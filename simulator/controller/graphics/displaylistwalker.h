@@ -1,0 +1,119 @@
+#pragma once
+
+#include "complaints.h"
+#include "generation.h"
+#include "graphicsstate.h"
+#include "pixelpipeline.h"
+#include "primitiveassembler.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace controller {
+
+// Walks one display list: follows its jumps and calls, keeps the graphics state and its saved
+// contexts, and hands vertices on. Ends at DISPLAY or when the list has gone wrong beyond use.
+class DisplayListWalker {
+public:
+    // `list` has displayListWords words. All arguments but the generation outlive the walker.
+    DisplayListWalker(Generation generation, const std::uint32_t* list,
+                      const std::array<std::uint32_t, 2>& macros, BitmapHandles& handles,
+                      PixelPipeline& pipeline, PrimitiveAssembler& assembler,
+                      Complaints& complaints);
+
+    // `workLimit`: how many pixels may be looked at before the list is given up.
+    void walk(std::int64_t workLimit);
+
+private:
+    using Handler = void (DisplayListWalker::*)(std::uint32_t word);
+    struct Instruction {
+        Handler handler = nullptr;
+        Generation since = Generation::E1;
+    };
+    static constexpr std::size_t instructionCount = 0x31;
+    static std::array<Instruction, instructionCount> makeInstructions();
+    static const std::array<Instruction, instructionCount>& instructions();
+
+    void execute(std::uint32_t word);
+    void complain(Flaw flaw, const char* text);
+    bool isE1() const { return m_generation == Generation::E1; }
+    BitmapHandle& currentHandle() { return m_handles[m_state.handle]; }
+
+    // Control flow
+    void display(std::uint32_t word);
+    void call(std::uint32_t word);
+    void jump(std::uint32_t word);
+    void returnFromCall(std::uint32_t word);
+    void macro(std::uint32_t word);
+    void nothing(std::uint32_t word);
+    void goTo(std::uint32_t index);
+
+    // Drawing
+    void begin(std::uint32_t word);
+    void end(std::uint32_t word);
+    void clear(std::uint32_t word);
+    void vertex2f(std::uint32_t word);
+    void vertex2ii(std::uint32_t word);
+
+    // Contexts
+    void saveContext(std::uint32_t word);
+    void restoreContext(std::uint32_t word);
+
+    // State
+    void clearColorRgb(std::uint32_t word);
+    void clearColorA(std::uint32_t word);
+    void clearStencil(std::uint32_t word);
+    void clearTag(std::uint32_t word);
+    void colorRgb(std::uint32_t word);
+    void colorA(std::uint32_t word);
+    void colorMask(std::uint32_t word);
+    void tag(std::uint32_t word);
+    void tagMask(std::uint32_t word);
+    void alphaFunc(std::uint32_t word);
+    void stencilFunc(std::uint32_t word);
+    void stencilOp(std::uint32_t word);
+    void stencilMask(std::uint32_t word);
+    void blendFunc(std::uint32_t word);
+    void pointSize(std::uint32_t word);
+    void lineWidth(std::uint32_t word);
+    void scissorXy(std::uint32_t word);
+    void scissorSize(std::uint32_t word);
+    void vertexFormat(std::uint32_t word);
+    void vertexTranslateX(std::uint32_t word);
+    void vertexTranslateY(std::uint32_t word);
+    void bitmapHandle(std::uint32_t word);
+    void cell(std::uint32_t word);
+    void paletteSource(std::uint32_t word);
+    template<std::int32_t BitmapTransform::*Factor>
+    void transformFactor(std::uint32_t word);
+    template<std::int32_t BitmapTransform::*Offset>
+    void transformOffset(std::uint32_t word);
+
+    // State of the current bitmap handle
+    void bitmapSource(std::uint32_t word);
+    void bitmapLayout(std::uint32_t word);
+    void bitmapLayoutH(std::uint32_t word);
+    void bitmapSize(std::uint32_t word);
+    void bitmapSizeH(std::uint32_t word);
+    void bitmapExtFormat(std::uint32_t word);
+    void bitmapSwizzle(std::uint32_t word);
+
+    Generation m_generation;
+    const std::uint32_t* m_list;
+    const std::array<std::uint32_t, 2>& m_macros;
+    BitmapHandles& m_handles;
+    PixelPipeline& m_pipeline;
+    PrimitiveAssembler& m_assembler;
+    Complaints& m_complaints;
+
+    GraphicsState m_state;
+    std::vector<GraphicsState> m_saved;
+    std::vector<std::size_t> m_returns; // word indices
+    std::size_t m_next = 0;             // index of the word after the one being executed
+    bool m_running = true;
+    bool m_inMacro = false;
+};
+
+} // namespace controller

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "bitmapdrawer.h"
+#include "complaints.h"
+#include "frame.h"
+#include "generation.h"
+#include "graphicsstate.h"
+#include "pixelpipeline.h"
+#include "position.h"
+#include "shapes.h"
+
+#include <cstdint>
+
+namespace controller {
+
+// Makes primitives of vertices between BEGIN and END and has them drawn.
+class PrimitiveAssembler {
+public:
+    PrimitiveAssembler(Generation generation, const GraphicsMemory& memory, PixelPipeline& pipeline,
+                       Frame& frame, Complaints& complaints)
+        : m_generation(generation), m_pipeline(pipeline), m_bitmaps(memory, complaints),
+          m_frame(frame), m_complaints(complaints) {}
+
+    void begin(std::uint32_t primitive);
+    void end() { begin(primitive::None); }
+    // A vertex, the state's translation added already. The handle and the cell, which count for
+    // bitmaps, are the state's or the vertex's own.
+    void vertex(const GraphicsState& state, Position place, const BitmapHandle& handle,
+                std::uint8_t handleNumber, std::uint8_t cell);
+
+    // About how many pixels have been looked at since the frame began.
+    std::int64_t work() const { return m_work; }
+    void addWork(const PixelRect& pixels) { m_work += pixels.area(); }
+
+private:
+    void drawBitmap(const GraphicsState& state, Position corner, const BitmapHandle& handle,
+                    std::uint8_t handleNumber, std::uint8_t cell);
+    int drawSegment(const GraphicsState& state, Position from, Position to);
+    void noteCharacter(Position corner, const BitmapHandle& handle, std::uint8_t handleNumber,
+                       std::uint8_t cell);
+
+    Generation m_generation;
+    PixelPipeline& m_pipeline;
+    BitmapDrawer m_bitmaps;
+    Frame& m_frame;
+    Complaints& m_complaints;
+
+    std::uint32_t m_primitive = primitive::None;
+    bool m_hasPrevious = false;
+    Position m_previous;
+    std::int64_t m_work = 0;
+};
+
+} // namespace controller

@@ -1,0 +1,160 @@
+#include "memorymap.h"
+
+#include <algorithm>
+
+namespace controller {
+
+namespace {
+
+// Where each region stands in the table, which is in order of use.
+enum RegionIndex : std::size_t { general, ring, displayList, rom, palette, coprocessor };
+
+std::uint32_t littleEndian(const std::uint8_t* bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8U |
+           static_cast<std::uint32_t>(bytes[2]) << 16U |
+           static_cast<std::uint32_t>(bytes[3]) << 24U;
+}
+
+void putLittleEndian(std::uint8_t* bytes, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i, value >>= 8U) {
+        bytes[i] = static_cast<std::uint8_t>(value);
+    }
+}
+
+std::vector<std::uint8_t> romContent(const RomImage& image, const Span& span) {
+    std::vector<std::uint8_t> content(span.size);
+    if (span.contains(image.base)) {
+        const std::size_t offset = image.base - span.base;
+        std::copy_n(image.data, std::min<std::size_t>(image.size, content.size() - offset),
+                    content.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+    return content;
+}
+
+} // namespace
+
+MemoryMap::MemoryMap(Generation generation, const RomImage& romImage)
+    : m_layout(memoryLayout(generation)), m_general(m_layout.general.size),
+      m_rom(romContent(romImage, m_layout.rom)),
+      m_palette(m_layout.palette.size), m_displayLists{std::vector<std::uint8_t>(displayListBytes),
+                                                       std::vector<std::uint8_t>(displayListBytes)},
+      m_ring(ringBytes), m_coprocessor(m_layout.coprocessor.size) {
+    m_regions[general] = {m_layout.general, m_general.data(), true, true};
+    m_regions[ring] = {m_layout.ring, m_ring.data(), true, false};
+    m_regions[rom] = {m_layout.rom, m_rom.data(), false, true};
+    m_regions[palette] = {m_layout.palette, m_palette.data(), true, true};
+    m_regions[coprocessor] = {m_layout.coprocessor, m_coprocessor.data(), true, false};
+    selectDisplayList();
+}
+
+void MemoryMap::clear() {
+    for (std::vector<std::uint8_t>* ram : {&m_general, &m_palette, m_displayLists.data(),
+                                           &m_displayLists[1], &m_ring, &m_coprocessor}) {
+        std::fill(ram->begin(), ram->end(), std::uint8_t{0});
+    }
+    m_written = 0;
+    selectDisplayList();
+    ++m_pictureChanges;
+}
+
+void MemoryMap::selectDisplayList() {
+    m_regions[displayList] = {m_layout.displayList, m_displayLists[m_written].data(), true, false};
+}
+
+const MemoryMap::Region* MemoryMap::find(std::uint32_t address) const {
+    for (const Region& region : m_regions) {
+        if (region.span.contains(address)) {
+            return &region;
+        }
+    }
+    return nullptr;
+}
+
+std::uint8_t MemoryMap::read8(std::uint32_t address) const {
+    const Region* region = find(address);
+    return region ? region->bytes[address - region->span.base] : std::uint8_t{0};
+}
+
+std::uint32_t MemoryMap::read32(std::uint32_t address) const {
+    std::uint32_t value = 0;
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        value |= static_cast<std::uint32_t>(read8(address + i)) << 8 * i;
+    }
+    return value;
+}
+
+void MemoryMap::write8(std::uint32_t address, std::uint8_t value) {
+    const Region* region = find(address);
+    if (!region || !region->writable) {
+        return;
+    }
+    region->bytes[address - region->span.base] = value;
+    if (region->inPictures) {
+        ++m_pictureChanges;
+    }
+}
+
+void MemoryMap::write32(std::uint32_t address, std::uint32_t value) {
+    for (std::uint32_t i = 0; i < 4; ++i, value >>= 8U) {
+        write8(address + i, static_cast<std::uint8_t>(value));
+    }
+}
+
+void MemoryMap::putChipId(std::uint32_t word) {
+    const Region* region = find(chipIdAddress);
+    putLittleEndian(region->bytes + (chipIdAddress - region->span.base), word);
+    ++m_pictureChanges;
+}
+
+MemoryMap::Stretch MemoryMap::stretchAt(std::uint32_t address) {
+    if (const Region* region = find(address)) {
+        return {region->bytes + (address - region->span.base), region->writable,
+                region->span.end() - address};
+    }
+    std::uint32_t end = addressMask + 1;
+    for (const Region& region : m_regions) {
+        if (region.span.size != 0 && region.span.base > address) {
+            end = std::min(end, region.span.base);
+        }
+    }
+    return {nullptr, false, end > address ? end - address : 1};
+}
+
+std::uint32_t MemoryMap::ringWord(std::uint32_t offset) const {
+    return littleEndian(&m_ring[offset & (ringBytes - 4)]);
+}
+
+void MemoryMap::setRingWord(std::uint32_t offset, std::uint32_t word) {
+    putLittleEndian(&m_ring[offset & (ringBytes - 4)], word);
+}
+
+std::uint32_t MemoryMap::listWord(std::size_t index) const {
+    return littleEndian(&m_displayLists[m_written][index % displayListWords * 4]);
+}
+
+void MemoryMap::setListWord(std::size_t index, std::uint32_t word) {
+    putLittleEndian(&m_displayLists[m_written][index % displayListWords * 4], word);
+}
+
+void MemoryMap::exchangeDisplayLists() {
+    m_written = 1 - m_written;
+    selectDisplayList();
+}
+
+void MemoryMap::readShownList(DisplayList& words) const {
+    const std::uint8_t* bytes = m_displayLists[1 - m_written].data();
+    for (std::uint32_t& word : words) {
+        word = littleEndian(bytes);
+        bytes += 4;
+    }
+}
+
+GraphicsMemory MemoryMap::graphicsView() const {
+    const auto view = [this](RegionIndex index) {
+        const Region& region = m_regions[index];
+        return GraphicsMemory::Region{region.span.base, region.bytes, region.span.size};
+    };
+    return {view(general), view(rom), view(palette)};
+}
+
+} // namespace controller

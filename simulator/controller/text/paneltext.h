@@ -1,0 +1,15 @@
+#pragma once
+
+#include "frame.h"
+#include "generation.h"
+
+#include <string>
+#include <vector>
+
+namespace controller {
+
+// The strings a frame shows, top to bottom, left to right. Characters of one font that follow each
+// other on one line without a gap are one string; a string drawn twice at one place counts once.
+std::vector<std::string> stringsOf(Generation generation, const Frame& frame);
+
+} // namespace controller
