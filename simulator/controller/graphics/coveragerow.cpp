@@ -9,11 +9,11 @@ namespace {
 
 constexpr std::int32_t fullCoverage = linesPerRow * rowUnits;
 
+} // namespace
+
 std::uint8_t asFraction255(std::int32_t coverage) {
     return static_cast<std::uint8_t>((coverage * 255 + fullCoverage / 2) / fullCoverage);
 }
-
-} // namespace
 
 CoverageRow::CoverageRow(int left, int right)
     : m_left(left), m_right(right), m_changes(static_cast<std::size_t>(right - left) + 2),

@@ -20,6 +20,9 @@ struct RowSpan {
     std::int64_t right = 0;
 };
 
+// As so many 255ths, of a pixel whose lines of samples are covered by so many 1/256 pixel in all.
+std::uint8_t asFraction255(std::int32_t coverage);
+
 // How much of each pixel of one row a shape covers: the sum over its lines of samples, each of
 // which covers one span, exactly in x.
 class CoverageRow {

@@ -214,6 +214,7 @@ void DisplayListWalker::end(std::uint32_t /*word*/) {
 }
 
 void DisplayListWalker::clear(std::uint32_t word) {
+    m_assembler.finishEdges();
     m_pipeline.use(m_state);
     m_assembler.addWork(m_pipeline.clip());
     m_pipeline.clear(bits(word, 2, 1) != 0, bits(word, 1, 1) != 0, bits(word, 0, 1) != 0);

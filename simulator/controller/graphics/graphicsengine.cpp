@@ -57,6 +57,7 @@ public:
                                  complaints);
         const std::int64_t area = std::int64_t{frame.picture.width} * frame.picture.height;
         walker.walk(mostPanelsDrawn * std::max(area, smallestPanelCounted));
+        assembler.end();
         pipeline.finish();
     }
 

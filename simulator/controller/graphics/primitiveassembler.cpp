@@ -34,6 +34,7 @@ int wholePixels(std::int64_t position) {
 } // namespace
 
 void PrimitiveAssembler::begin(std::uint32_t primitive) {
+    finishEdges();
     m_primitive = primitive;
     m_hasPrevious = false;
     if (primitive > primitive::Rects) {
@@ -71,13 +72,13 @@ int PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, P
     case primitive::Rects:
         return drawRectangle(m_pipeline, from, to, std::max(state.lineWidth, leastRounding));
     case primitive::EdgeStripR:
-        return drawEdge(m_pipeline, from, to, EdgeSide::Right);
+        return m_edges.segment(state, from, to, EdgeSide::Right);
     case primitive::EdgeStripL:
-        return drawEdge(m_pipeline, from, to, EdgeSide::Left);
+        return m_edges.segment(state, from, to, EdgeSide::Left);
     case primitive::EdgeStripA:
-        return drawEdge(m_pipeline, from, to, EdgeSide::Above);
+        return m_edges.segment(state, from, to, EdgeSide::Above);
     case primitive::EdgeStripB:
-        return drawEdge(m_pipeline, from, to, EdgeSide::Below);
+        return m_edges.segment(state, from, to, EdgeSide::Below);
     default:
         return drawLine(m_pipeline, from, to, state.lineWidth);
     }

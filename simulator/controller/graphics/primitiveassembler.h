@@ -2,6 +2,7 @@
 
 #include "bitmapdrawer.h"
 #include "complaints.h"
+#include "edgestrip.h"
 #include "frame.h"
 #include "generation.h"
 #include "graphicsstate.h"
@@ -19,10 +20,12 @@ public:
     PrimitiveAssembler(Generation generation, const GraphicsMemory& memory, PixelPipeline& pipeline,
                        Frame& frame, Complaints& complaints)
         : m_generation(generation), m_pipeline(pipeline), m_bitmaps(memory, complaints),
-          m_frame(frame), m_complaints(complaints) {}
+          m_edges(pipeline), m_frame(frame), m_complaints(complaints) {}
 
     void begin(std::uint32_t primitive);
     void end() { begin(primitive::None); }
+    // Draws what an edge strip has begun and not ended; the pipeline may use another state then.
+    void finishEdges() { m_edges.finish(); }
     // A vertex, the state's translation added already. The handle and the cell, which count for
     // bitmaps, are the state's or the vertex's own.
     void vertex(const GraphicsState& state, Position place, const BitmapHandle& handle,
@@ -42,6 +45,7 @@ private:
     Generation m_generation;
     PixelPipeline& m_pipeline;
     BitmapDrawer m_bitmaps;
+    EdgeStrip m_edges;
     Frame& m_frame;
     Complaints& m_complaints;
 

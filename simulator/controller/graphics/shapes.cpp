@@ -261,12 +261,11 @@ int drawShape(PixelPipeline& pipeline, const Shape& shape) {
     return (bottom - top) * (clip.right - clip.left);
 }
 
-// The pixels whose middle lies between two positions (1/16 pixel): neighbouring segments of a
-// strip share no pixel and leave none out.
+// The pixels that lie wholly between two positions (1/16 pixel).
 struct PixelRange {
     PixelRange(std::int64_t from, std::int64_t to)
-        : first(ceilQuotient(std::min(from, to) - subpixels / 2, subpixels)),
-          end(ceilQuotient(std::max(from, to) - subpixels / 2, subpixels)) {}
+        : first(ceilQuotient(std::min(from, to), subpixels)),
+          end(floorQuotient(std::max(from, to), subpixels)) {}
 
     std::int64_t first;
     std::int64_t end;

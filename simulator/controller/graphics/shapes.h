@@ -15,8 +15,8 @@ int drawPoint(PixelPipeline& pipeline, Position centre, int radius);
 int drawLine(PixelPipeline& pipeline, Position from, Position to, int halfWidth);
 // Everything within `rounding` of the rectangle between two opposite corners.
 int drawRectangle(PixelPipeline& pipeline, Position corner, Position opposite, int rounding);
-// Every pixel on one side of the segment, as far as the segment reaches along the other axis, up
-// to the border of the clip.
+// Every pixel on one side of the segment, up to the border of the clip, in the columns (of above
+// and below) or rows that the segment reaches over their whole width. See EdgeStrip for the others.
 int drawEdge(PixelPipeline& pipeline, Position from, Position to, EdgeSide side);
 
 } // namespace controller

@@ -339,6 +339,127 @@ TEST(EdgeStrips, NeighbouringSegmentsLeaveNoGapAndDoNotOverlap) {
     }
 }
 
+// What a picture that is drawn in white covers, in pixels.
+double coveredArea(const Picture& picture) {
+    std::int64_t sum = 0;
+    for (const std::uint32_t pixel : picture.pixels) {
+        sum += pixel >> 8 & 0xFF;
+    }
+    return static_cast<double>(sum) / 255;
+}
+
+TEST(EdgeStrips, ASteepSegmentEndsWithItsVertices) {
+    Scanner scanner;
+    const Frame& frame = scanner.scan(
+        70, 150, {begin(primitive::EdgeStripA), vertex2f(1000, 1600), vertex2f(1010, 800)});
+    for (int y = 0; y < 150; ++y) {
+        // Above both vertices half of column 62 and an eighth of the next; below them nothing.
+        if (y < 50 || y >= 100) {
+            EXPECT_EQ(greenAt(frame, 62, y), y < 50 ? 128 : 0) << y;
+            EXPECT_EQ(greenAt(frame, 63, y), y < 50 ? 32 : 0) << y;
+        }
+        EXPECT_EQ(greenAt(frame, 61, y), 0) << y;
+        EXPECT_EQ(greenAt(frame, 64, y), 0) << y;
+    }
+}
+
+TEST(EdgeStrips, ASegmentWithinAPixelCoversItsPart) {
+    Scanner scanner;
+    const Frame& frame =
+        scanner.scan(70, 4, {begin(primitive::EdgeStripB), vertex2f(1002, 32), vertex2f(1006, 32)});
+    EXPECT_EQ(greenAt(frame, 62, 1), 0);
+    EXPECT_EQ(greenAt(frame, 62, 2), 64);
+    EXPECT_EQ(greenAt(frame, 62, 3), 64);
+    EXPECT_DOUBLE_EQ(coveredArea(frame.picture), 128.0 / 255);
+}
+
+struct EdgeArea {
+    std::uint32_t primitive;
+    bool isUpright;
+    bool isBefore; // the edge, as far as the smaller positions are
+};
+
+class EdgeStripArea : public testing::TestWithParam<EdgeArea> {};
+
+TEST_P(EdgeStripArea, IsTrueWhereverTheSegmentEnds) {
+    constexpr int side = 128;
+    std::uint32_t seed = 1;
+    const auto position = [&seed] {
+        seed = seed * 1664525 + 1013904223;
+        return static_cast<int>(seed >> 16) % (side * 16 + 1);
+    };
+    Scanner scanner;
+    for (int i = 0; i < 300; ++i) {
+        // Every other one is steep: it reaches over a few pixels at most.
+        const int start = position();
+        const int end = i % 2 == 0 ? position() : std::min(start + position() % 48, side * 16);
+        const int startHeight = position();
+        const int endHeight = position();
+        const double height = (startHeight + endHeight) / 32.0;
+        const double expected =
+            std::abs(end - start) / 16.0 * (GetParam().isBefore ? height : side - height);
+        const Frame& frame = scanner.scan(
+            side, side,
+            {begin(GetParam().primitive),
+             GetParam().isUpright ? vertex2f(start, startHeight) : vertex2f(startHeight, start),
+             GetParam().isUpright ? vertex2f(end, endHeight) : vertex2f(endHeight, end)});
+        EXPECT_NEAR(coveredArea(frame.picture), expected, expected * 0.005 + 0.01)
+            << start << ' ' << startHeight << " to " << end << ' ' << endHeight;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EdgeStrips, EdgeStripArea,
+                         testing::Values(EdgeArea{primitive::EdgeStripA, true, true},
+                                         EdgeArea{primitive::EdgeStripB, true, false},
+                                         EdgeArea{primitive::EdgeStripL, false, true},
+                                         EdgeArea{primitive::EdgeStripR, false, false}));
+
+TEST(EdgeStrips, WhereSegmentsMeetInAPixelItIsDrawnOnceInEitherDirection) {
+    for (const bool backwards : {false, true}) {
+        std::vector<std::uint32_t> list{colorA(128), begin(primitive::EdgeStripR)};
+        for (int i = 0; i <= 51; ++i) {
+            const int step = backwards ? 51 - i : i;
+            list.push_back(vertex2f(16 * (2 + step % 5), step * 5)); // three a pixel
+        }
+        Scanner scanner;
+        const Frame& frame = scanner.scan(12, 16, list);
+        for (int y = 0; y < 15; ++y) {
+            for (int x = 6; x < 12; ++x) {
+                EXPECT_EQ(greenAt(frame, x, y), 128) << x << ' ' << y;
+            }
+        }
+        EXPECT_EQ(greenAt(frame, 11, 15), 120); // 15 of its 16 lines
+    }
+}
+
+TEST(EdgeStrips, APixelOfTwoSegmentsHasTheColourOfTheOneThatReachesItsMiddle) {
+    for (const int meeting : {7, 8, 9}) {
+        Scanner scanner;
+        const Frame& frame = scanner.scan(
+            2, 2,
+            {colorRgb(0xFF0000), begin(primitive::EdgeStripB), vertex2f(0, 16),
+             vertex2f(meeting, 16), colorRgb(0x00FF00), scissorSize(1, 2), vertex2f(32, 16)});
+        EXPECT_EQ(frame.picture.at(0, 1), meeting > 8 ? 0xFFFF0000 : 0xFF00FF00) << meeting;
+        EXPECT_EQ(frame.picture.at(1, 1), 0xFF000000); // outside the second one's scissor
+    }
+}
+
+TEST(EdgeStrips, WhatASegmentHasBegunIsDrawnBeforeTheBuffersAreCleared) {
+    EXPECT_EQ(
+        drawn(2, 1, {begin(primitive::EdgeStripB), vertex2f(0, 0), vertex2f(24, 0), clearAll}),
+        rows({".."}));
+}
+
+TEST(EdgeStrips, AStripThatTurnsBackDrawsItsPixelAnew) {
+    // Half transparent: what is drawn twice is brighter.
+    Scanner scanner;
+    const Frame& frame = scanner.scan(2, 1,
+                                      {colorA(128), begin(primitive::EdgeStripB), vertex2f(0, 0),
+                                       vertex2f(24, 0), vertex2f(16, 0), end()});
+    EXPECT_EQ(greenAt(frame, 0, 0), 128);
+    EXPECT_EQ(greenAt(frame, 1, 0), 64 + 48);
+}
+
 TEST(EdgeStrips, ASegmentHasTheColourOfItsSecondVertex) {
     Scanner scanner;
     const Frame& frame =
