@@ -20,7 +20,8 @@ int wholeSize(Generation generation, std::uint32_t low, std::uint32_t high) {
 
 Bitmap bitmapOf(Generation generation, const BitmapHandle& handle, std::uint32_t cell) {
     Bitmap bitmap;
-    bitmap.format = handle.format == format::External ? handle.extendedFormat : handle.format;
+    const bool isExternal = handle.format == format::External && generation == Generation::E3;
+    bitmap.format = isExternal ? handle.extendedFormat : handle.format;
     bitmap.bitsPerTexel = bitsPerTexel(generation, bitmap.format);
     bitmap.stride = handle.strideHigh << 10 | handle.stride;
     if (bitmap.bitsPerTexel != 0) {

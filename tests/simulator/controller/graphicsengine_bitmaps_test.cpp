@@ -196,6 +196,15 @@ TEST(BitmapFormats, OthersAreComplainedAbout) {
     EXPECT_THAT(frame.complaints, ElementsAre(HasSubstr("format 13")));
 }
 
+TEST(BitmapFormats, TheExtendedFormatIsUnknownBeforeE3) {
+    for (const Generation generation : {Generation::E1, Generation::E2}) {
+        Scanner scanner(generation);
+        const Frame& frame =
+            scanner.scan(2, 1, bitmap(format::External, 4, 1, bitmapSize(nearest, 2, 1)));
+        EXPECT_THAT(frame.complaints, ElementsAre(HasSubstr("format 31")));
+    }
+}
+
 TEST(BitmapFormats, OnesOfAnotherGenerationAreComplainedAbout) {
     Scanner e1(Generation::E1);
     EXPECT_THAT(e1.scan(2, 1, bitmap(format::L2, 2, 1, bitmapSize(nearest, 2, 1))).complaints,
