@@ -84,7 +84,7 @@ std::uint8_t Display::tagAt(int x, int y) {
 void Display::report(const Frame& frame) {
     for (const std::string& complaint : frame.complaints) {
         if (std::find(m_reported.begin(), m_reported.end(), complaint) == m_reported.end()) {
-            m_complain("display list: " + complaint);
+            m_complain(complaint);
         }
     }
     m_reported = frame.complaints;

@@ -68,6 +68,12 @@ TEST_F(DisplayTest, ABadWordIsComplainedAboutOnceThoughNobodyLooks) {
     EXPECT_EQ(host.seen.complaints.size(), 1U) << "the same as before";
 }
 
+TEST_F(DisplayTest, AComplaintSaysOnceWhereItComesFrom) {
+    show({0xC0000001});
+    EXPECT_THAT(host.seen.complaints,
+                testing::ElementsAre("display list: unknown word 0xC0000001"));
+}
+
 TEST_F(DisplayTest, ThePictureHasThePanelsSize) {
     host.write16(0x302034, 320);
     host.write16(0x302048, 240);
