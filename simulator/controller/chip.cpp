@@ -307,6 +307,10 @@ void Controller::Chip::noteTouch() {
 // --- swap
 
 void Controller::Chip::requestSwap(std::uint32_t kind) {
+    m_lineSwapAt = never; // whatever was asked for before
+    if (!isSwapPending()) {
+        return;
+    }
     if (!isScanning()) {
         swapNow();
     } else if (kind == swapAtLine) {
@@ -370,9 +374,7 @@ void Controller::Chip::writeRegister(Register id, std::uint32_t value) {
         followScan();
         break;
     case Register::DlSwap:
-        if (isSwapPending()) {
-            requestSwap(value);
-        }
+        requestSwap(value);
         break;
     case Register::CpuReset:
         m_coprocessor.hold((value & coprocessorInReset) != 0);

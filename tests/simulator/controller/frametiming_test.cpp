@@ -62,6 +62,17 @@ TEST(FrameTiming, ASwapHappensAtTheEndOfTheFrame) {
     EXPECT_EQ(host.chip.frame().picture.at(5, 5), 0xFFFF0000);
 }
 
+TEST(FrameTiming, ALineSwapThatIsTakenBackDoesNotHappen) {
+    Host host(Generation::E3);
+    host.bootWithPanel();
+    host.waitFrames(1);
+    const std::uint32_t swapped = host.chip.listsSwapped();
+    host.write8(host.at.dlSwap(), 1);
+    host.write8(host.at.dlSwap(), 0);
+    host.waitFrames(2);
+    EXPECT_EQ(host.chip.listsSwapped(), swapped);
+}
+
 TEST(FrameTiming, ALineSwapDoesNotWaitForTheFrame) {
     Host host(Generation::E3);
     host.bootWithPanel();
