@@ -240,12 +240,17 @@ void DisplayListWalker::vertex2ii(std::uint32_t word) {
 void DisplayListWalker::saveContext(std::uint32_t /*word*/) {
     if (m_saved.size() == deepestNesting) {
         complain(Flaw::ContextsTooDeep, "display list: SAVE_CONTEXT nested too deep");
+        ++m_notSaved;
         return;
     }
     m_saved.push_back(m_state);
 }
 
 void DisplayListWalker::restoreContext(std::uint32_t /*word*/) {
+    if (m_notSaved > 0) {
+        --m_notSaved; // the pairs within it and around it stay pairs
+        return;
+    }
     if (m_saved.empty()) {
         complain(Flaw::RestoreWithoutSave, "display list: RESTORE_CONTEXT without SAVE_CONTEXT");
         m_state = initialState(m_generation);

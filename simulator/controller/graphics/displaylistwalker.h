@@ -110,6 +110,7 @@ private:
 
     GraphicsState m_state;
     std::vector<GraphicsState> m_saved;
+    std::size_t m_notSaved = 0;         // contexts that were too many, until they are restored
     std::vector<std::size_t> m_returns; // word indices
     std::size_t m_next = 0;             // index of the word after the one being executed
     bool m_running = true;

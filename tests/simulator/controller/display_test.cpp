@@ -74,6 +74,21 @@ TEST_F(DisplayTest, AComplaintSaysOnceWhereItComesFrom) {
                 testing::ElementsAre("display list: unknown word 0xC0000001"));
 }
 
+TEST_F(DisplayTest, TextKeepsTheCallersColourInFourSavedContexts) {
+    constexpr std::uint32_t save = 0x22000000;
+    constexpr std::uint32_t restore = 0x23000000;
+    constexpr std::uint32_t points = 0x1F000002;
+    constexpr std::uint32_t large = 0x0D000040;
+    show(V{0x26000007, large, save, save, save, save, 0x04FF0000, cmd::text, pair(200, 100),
+           pair(27, 0)} +
+         words("A") +
+         V{points, point(20, 20), 0x21000000, restore, restore, restore, restore, points,
+           point(40, 20), 0x21000000});
+    EXPECT_EQ(host.chip.frame().picture.at(20, 20), 0xFFFF0000);
+    EXPECT_EQ(host.chip.frame().picture.at(40, 20), 0xFFFFFFFF);
+    EXPECT_THAT(host.seen.complaints, testing::ElementsAre(testing::HasSubstr("too deep")));
+}
+
 TEST_F(DisplayTest, ThePictureHasThePanelsSize) {
     host.write16(0x302034, 320);
     host.write16(0x302048, 240);
