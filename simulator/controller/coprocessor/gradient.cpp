@@ -18,7 +18,8 @@
 // the strip's smoothed edge alone.
 //
 // Steep gradients use a coarser ramp (every second, fourth ... texel), as the transform's words
-// hold no large factors.
+// hold no large factors, and interpolate between its texels. There a pixel is much of the way, so
+// the bitmap goes on with full texels, and the strip begins in the midst of these.
 
 namespace controller {
 
@@ -27,6 +28,8 @@ namespace {
 constexpr std::int64_t one = 256;              // of the transform's 8 fraction bits
 constexpr std::int64_t steepest = 15 * one;    // texels a pixel, x and y together
 constexpr std::int64_t offsetLimit = 0x7FFFFF; // of the transform's constant term
+constexpr std::int64_t highestBitmap = 511;    // in every generation
+constexpr std::uint32_t bilinear = 1U << 20U;  // in BITMAP_SIZE
 constexpr std::uint32_t laterFractionBits = 2; // of vertices in E2 and E3: reach 4096 pixels
 
 // The position along the ramp of pixel (x, y), in texels with 8 fraction bits: dx*x + dy*y + start.
@@ -35,8 +38,11 @@ struct Slope {
     std::int64_t dy = 0;
     std::int64_t start = 0;
     std::int64_t texels = 0; // of the ramp in use
+    std::int64_t rows = 0;   // of the bitmap: these and perhaps full ones
     std::uint32_t step = 1;  // between them, in texels of the ROM's ramp
 
+    std::int64_t perPixel() const { return std::abs(dx) + std::abs(dy); }
+    bool isSteep() const { return perPixel() > one; }
     std::int64_t at(std::int64_t x, std::int64_t y) const { return dx * x + dy * y + start; }
 };
 
@@ -49,10 +55,12 @@ Slope slopeOf(const Gradient& gradient, const RomRamp& ramp) {
         slope.texels = ramp.length / slope.step;
         slope.dx = roundedQuotient(slope.texels * one * vx, square);
         slope.dy = roundedQuotient(slope.texels * one * vy, square);
-        if (std::abs(slope.dx) + std::abs(slope.dy) <= steepest) {
+        if (slope.perPixel() <= steepest) {
             break;
         }
     }
+    slope.rows = slope.isSteep() ? std::min<std::int64_t>(ramp.line / slope.step, highestBitmap)
+                                 : slope.texels;
     // Exact in the middle of the vector, so that rounding shows least at its ends.
     slope.start = (slope.texels * one - slope.dx * (gradient.x0 + gradient.x1) -
                    slope.dy * (gradient.y0 + gradient.y1)) /
@@ -106,11 +114,11 @@ void GradientWriter::fill(std::uint32_t rgb) {
 }
 
 void GradientWriter::drawRamp(const RomRamp& ramp, std::uint32_t handle, const Slope& slope) {
-    const auto height = static_cast<std::uint32_t>(slope.texels);
+    const auto height = static_cast<std::uint32_t>(slope.rows);
     put(dl::bitmapHandle(handle));
-    put(dl::bitmapSource(ramp.address + slope.step / 2));
+    put(dl::bitmapSource(ramp.address));
     put(dl::bitmapLayout(format::L8, slope.step, height));
-    put(dl::bitmapSize(0, 0)); // as large as can be
+    put(dl::bitmapSize(0, 0) | (slope.isSteep() ? bilinear : 0)); // as large as can be
     if (m_generation != Generation::E1) {
         put(dl::bitmapLayoutH(slope.step, height));
         put(dl::bitmapSizeH(0, 0));
@@ -154,16 +162,18 @@ void GradientWriter::drawFarSide(const Slope& slope, std::int64_t limit) {
 
 void GradientWriter::write(const RomRamp& ramp, std::uint32_t handle, const Gradient& gradient) {
     setUp();
-    if (gradient.x0 == gradient.x1 && gradient.y0 == gradient.y1) {
+    const bool isPoint = gradient.x0 == gradient.x1 && gradient.y0 == gradient.y1;
+    if (isPoint || gradient.rgb0 == gradient.rgb1) {
         fill(gradient.rgb0);
         return;
     }
     const Slope slope = slopeOf(gradient, ramp);
     // Where the strip begins: a pixel is sampled at its top left corner, so the rest of it may
     // lie up to one pixel further back; a quarter pixel more for the rounding of vertices.
-    const std::int64_t limit = slope.texels * one + std::min<std::int64_t>(0, slope.dx) +
-                               std::min<std::int64_t>(0, slope.dy) -
-                               (std::abs(slope.dx) + std::abs(slope.dy) + 3) / 4;
+    const std::int64_t limit =
+        slope.isSteep() ? (slope.texels + slope.rows) * one / 2
+                        : slope.texels * one + std::min<std::int64_t>(0, slope.dx) +
+                              std::min<std::int64_t>(0, slope.dy) - (slope.perPixel() + 3) / 4;
     const auto [lowest, highest] = std::minmax(
         {slope.at(0, 0), slope.at(m_width, 0), slope.at(0, m_height), slope.at(m_width, m_height)});
     if (lowest >= limit) {

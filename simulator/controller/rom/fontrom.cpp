@@ -32,7 +32,7 @@ public:
     const RomFont& font(int number) const {
         return m_fonts.at(static_cast<std::size_t>(number - firstRomFont));
     }
-    RomRamp ramp() const { return {m_rampAddress, rampLength}; }
+    RomRamp ramp() const { return {m_rampAddress, rampLength, rampLineLength}; }
 
 private:
     std::uint32_t allocate(std::size_t size);

@@ -33,6 +33,7 @@ const RomFont& romFont(Generation generation, int font);
 struct RomRamp {
     std::uint32_t address = 0;
     std::uint32_t length = 0; // texels: the first is 0, the last 255
+    std::uint32_t line = 0;   // texels of the whole line: those behind the ramp are 255
 };
 
 RomRamp romRamp(Generation generation);

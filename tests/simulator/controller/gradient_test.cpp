@@ -93,6 +93,34 @@ TEST_P(Gradient, ShortGradientsAreStepsInTheRightPlace) {
     }
 }
 
+TEST_P(Gradient, ShortAndMiddlingGradientsAreRightEverywhere) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    for (int length = 1; length <= 120; length += length < 20 ? 1 : 20) {
+        for (const Line& line :
+             {Line{240, 100, 240 + length, 100}, Line{240, 100, 240 - length, 100},
+              Line{240, 100, 240, 100 + length}, Line{240, 100, 240, 100 - length}}) {
+            EXPECT_LE(worst(show(host, command(line, 0, 0xFF)), line, 0, 0xFF), 2.0)
+                << line.x0 << ',' << line.y0 << " to " << line.x1 << ',' << line.y1;
+        }
+    }
+}
+
+TEST_P(Gradient, OfOneColourNeedsNoScratchBitmap) {
+    Host host(GetParam());
+    host.bootWithPanel();
+    host.write8(1000, 0xFF);
+    // Handle 15 is one full L8 texel.
+    const controller::Picture& picture =
+        show(host, V{0x0500000F, 0x010003E8, 0x07000000U | 3U << 19U | 1U << 9U | 1U,
+                     0x08000000U | 1U << 9U | 1U} +
+                       command({10, 10, 200, 100}, 0x102030, 0x102030) +
+                       V{0x1F000001, 0x80000000U | 50U << 21U | 60U << 12U | 15U << 7U});
+    EXPECT_EQ(picture.at(49, 60), 0xFF102030);
+    EXPECT_EQ(picture.at(50, 60), 0xFFFFFFFF);
+    EXPECT_EQ(picture.at(51, 60), 0xFF102030);
+}
+
 TEST_P(Gradient, FarAwayVectorsLeaveOneColour) {
     Host host(GetParam());
     host.bootWithPanel();
