@@ -43,16 +43,19 @@ std::string messageOf(const std::function<void()>& action) {
     return "no error";
 }
 
-// umockdev keeps the first temporary directory it sees: these come before the other tests and each
-// in a process of its own.
+// umockdev keeps the first temporary directory it sees: each of these begins a process of its own.
+class TestbedDeathTest : public testing::Test {
+protected:
+    TestbedDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
 
-TEST(TestbedDeathTest, MissingTemporaryDirectoryIsNamedWithTheMend) {
+TEST_F(TestbedDeathTest, MissingTemporaryDirectoryIsNamedWithTheMend) {
     EXPECT_EXIT(buildWithTemporaryDirectory("/nowhere/at-all"), ExitedWithCode(3),
                 "cannot make a directory in /nowhere/at-all: No such file or directory "
                 "\\(make room there, or set TMPDIR to another directory\\)");
 }
 
-TEST(TestbedDeathTest, TooLongTemporaryDirectoryIsNamedWithTheMend) {
+TEST_F(TestbedDeathTest, TooLongTemporaryDirectoryIsNamedWithTheMend) {
     EXPECT_EXIT(buildWithTemporaryDirectory("/tmp/" + std::string(100, 'x')), ExitedWithCode(3),
                 "the path of /tmp/x+ is too long .*TMPDIR");
 }
