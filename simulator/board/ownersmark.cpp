@@ -44,7 +44,7 @@ void removeOrphan(const fs::path& directory) {
 
 } // namespace
 
-OwnersMark::OwnersMark(const std::string& directory) : m_file(-1) {
+OwnersMark::OwnersMark(const std::string& directory) {
     // It gets its name when it is locked: before, it would look like an orphan's.
     const std::string mark = directory + "/" + markName;
     const std::string unlocked = mark + ".new";

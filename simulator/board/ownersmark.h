@@ -15,7 +15,7 @@ public:
     ~OwnersMark();
 
 private:
-    int m_file;
+    int m_file = -1;
 };
 
 // Removes every directory below `parent` that bears the mark of a process of this user that no

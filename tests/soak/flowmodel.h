@@ -20,7 +20,7 @@ class FlowModel {
 public:
     FlowModel(); // just before the application's first request
 
-    Verdict tagRead(int tag);
+    Verdict tagRead(int read);
     Verdict request(const std::string& line, const Reply& reply, Milliseconds now);
     void fallOutOfStep();
     void fallInStep(Milliseconds now) { m_client.fallInStep(now); }
@@ -47,7 +47,7 @@ public:
     const ClientModel& client() const { return m_client; }
 
 private:
-    Verdict keypadTagRead(int tag);
+    Verdict keypadTagRead(int touched);
     void keyReleased(int key);
     void keypadLeft(std::optional<double> number);
     void released(int tag);

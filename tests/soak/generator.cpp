@@ -86,8 +86,8 @@ void Generator::planOdd() {
         "START Not Ok at all",
         "DATA? {}",
         "DATA? []",
-        "DATA? {\"TimeConst\":\"soon\",\"Channel0\":null,\"Channel1\":7}",
-        "PARAMS? {\"Ref2\":1e5,\"TimeConst\":0.2}",
+        R"(DATA? {"TimeConst":"soon","Channel0":null,"Channel1":7})",
+        R"(PARAMS? {"Ref2":1e5,"TimeConst":0.2})",
         "PARAMS? null"};
     Action action;
     const bool isFault = m_random.percent(60);

@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace soak {
 namespace {
 
 std::vector<Action> actionsOf(std::uint32_t seed, int count) {
     Generator generator(seed);
     const FlowModel model;
-    std::vector<Action> actions;
-    for (int i = 0; i < count; ++i) {
-        actions.push_back(generator.next(model));
-    }
+    std::vector<Action> actions(static_cast<std::size_t>(count));
+    std::generate(actions.begin(), actions.end(), [&] { return generator.next(model); });
     return actions;
 }
 

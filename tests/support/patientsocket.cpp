@@ -65,7 +65,7 @@ static_assert(sizeof(PatientSocket) == sizeof(QTcpSocket));
 } // namespace
 
 // QTcpSocket::QTcpSocket(QObject*), as the linker calls it in the code under test.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the linker's --wrap gives the name.
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the linker's --wrap gives the name.
 extern "C" void __wrap__ZN10QTcpSocketC1EP7QObject(void* place, QObject* parent) {
     new (place) PatientSocket(parent);
 }
