@@ -28,8 +28,9 @@ done
 
 packaging/install-build-packages.sh
 
-# System tests mostly wait for the program.
+# Unit tests wait now and then, system tests most of the time.
 cores=$(nproc)
+unit_jobs=$((cores * 2))
 system_jobs=$((cores * 8))
 fuzz_seconds=60
 soak_time=2m
@@ -42,7 +43,7 @@ everyday() {
     stage "Style" packaging/check-style.sh
     stage "Build, sanitizers" build debug unit_tests
     stage "Unit tests, sanitizers" --needs "Build, sanitizers" \
-        --results build/debug/test-results ctest --preset unit --parallel "$cores"
+        --results build/debug/test-results ctest --preset unit --parallel "$unit_jobs"
     stage "Build, as shipped" build release system_tests
     stage "System tests" --needs "Build, as shipped" \
         --ctest build/test-logs/system.xml ctest --preset system --parallel "$system_jobs" \
@@ -52,7 +53,7 @@ everyday() {
 slow() {
     stage "Build, all of it" build release all
     stage "Unit tests, release" --needs "Build, all of it" \
-        --results build/release/test-results ctest --preset release-unit --parallel "$cores"
+        --results build/release/test-results ctest --preset release-unit --parallel "$unit_jobs"
     stage "Static analysis" packaging/check-analysis.sh --all
     stage "Coverage" packaging/coverage.sh
     stage "Fuzzing" tests/fuzz/run.sh "$fuzz_seconds"
