@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of a build tree, in parallel.
+"""Runs clang-tidy over the sources of build trees, in parallel.
 
-    analyse.py BUILD STAMPS [--all | FILE...]
+    analyse.py BUILD[,BUILD...] STAMPS [--all | FILE...]
 
-A source that was found clean gets a stamp below STAMPS: how it was compiled and checked, and what
-was in every file that it includes. It is not analysed again as long as all of that stays.
+A source is analysed as the first BUILD that has it compiles it, with that tree's precompiled headers.
+One that was found clean gets a stamp below STAMPS: how it was compiled and checked, and what was in
+every file that it includes. It is not analysed again as long as all of that stays.
 """
 
 import concurrent.futures
@@ -20,6 +21,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 # Tables written by a program.
 GENERATED = {"simulator/controller/rom/romfontdata.cpp"}
 FINDING = re.compile(r"^(?P<file>/[^:]+):(?P<place>\d+:\d+): (warning|error): (?P<text>.*)$")
+PRECOMPILED = re.compile(r"(?<= )/\S+\.pch(?= |$)")
 INCLUDED = re.compile(r"^\.+ (?P<file>/.*|\S.*)$")
 MISSING = re.compile(r"'(?P<name>[^']+)' file not found")
 
@@ -47,15 +49,16 @@ class Fingerprints:
             return ""
 
 
-def sources(build):
+def sources(builds):
     """The first compile command of every source of our own, by its path from the root."""
-    with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
-        commands = json.load(file)
     found = {}
-    for entry in commands:
-        path = os.path.relpath(os.path.join(entry["directory"], entry["file"]), ROOT)
-        if not path.startswith(("..", "build" + os.sep)) and path not in GENERATED:
-            found.setdefault(path, entry)
+    for build in builds:
+        with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
+            commands = json.load(file)
+        for entry in commands:
+            path = os.path.relpath(os.path.join(entry["directory"], entry["file"]), ROOT)
+            if not path.startswith(("..", "build" + os.sep)) and path not in GENERATED:
+                found.setdefault(path, entry | {"build": build})
     return dict(sorted(found.items()))
 
 
@@ -70,8 +73,7 @@ def configuration_files(path):
 
 
 class Analysis:
-    def __init__(self, build, stamps):
-        self._build = build
+    def __init__(self, stamps):
         self._stamps = stamps
         self._tidy = subprocess.run(
             ["clang-tidy", "--version"], capture_output=True, text=True, check=True
@@ -103,14 +105,16 @@ class Analysis:
         full = os.path.join(ROOT, path)
         began = time.time()
         process = subprocess.run(
-            ["clang-tidy", "-quiet", "-p", self._build, "--extra-arg=-H", full],
+            ["clang-tidy", "-quiet", "-p", entry["build"], "--extra-arg=-H", full],
             capture_output=True,
             text=True,
             errors="replace",
             check=False,
         )
         output = re.sub(r"\x1b\[[0-9;]*m", "", process.stdout + process.stderr)
-        findings, files = set(), {full}
+        findings = set()
+        # What comes from a precompiled header is not listed.
+        files = {full, *PRECOMPILED.findall(entry["command"])}
         for line in output.splitlines():
             if found := FINDING.match(line):
                 file = os.path.relpath(found["file"], ROOT)
@@ -159,15 +163,15 @@ def analyse_all(analysis, chosen):
 
 
 def main():
-    build, stamps, *arguments = sys.argv[1:]
-    known = sources(build)
-    analysis = Analysis(os.path.abspath(build), os.path.abspath(stamps))
+    trees, stamps, *arguments = sys.argv[1:]
+    known = sources([os.path.abspath(build) for build in trees.split(",")])
+    analysis = Analysis(os.path.abspath(stamps))
     if arguments == ["--all"]:
         chosen = known
     elif arguments:
         wanted = [os.path.relpath(argument, ROOT) for argument in arguments]
         if unknown := [path for path in wanted if path not in known]:
-            print(f"No static analysis: {build} does not compile {', '.join(unknown)}.")
+            print(f"No static analysis: {trees} does not compile {', '.join(unknown)}.")
             return 77
         chosen = {path: known[path] for path in wanted}
     else:
@@ -175,7 +179,7 @@ def main():
 
     findings = analyse_all(analysis, chosen)
     if missing := sorted({m["name"] for f in findings if (m := MISSING.search(f))}):
-        print(f"No static analysis: {', '.join(missing)} is not there; build the release tree first.")
+        print(f"No static analysis: {', '.join(missing)} is not there; build {trees} first.")
         return 77
     counts = f"{len(chosen)} of {len(known)} sources analysed"
     if findings:
