@@ -4,7 +4,7 @@
 #   ./test.sh              style, unit tests under the sanitizers, the shipped program on the virtual
 #                          instrument: minutes, from a fresh clone
 #   ./test.sh --all        also what is slow: unit tests on the release build, static analysis,
-#                          coverage, fuzzing, soak
+#                          coverage, fuzzing, soak, the program for an ARM board
 #   ./test.sh --coverage   what the tests cover, as a report below build/coverage, and nothing else
 #
 # Ends with a table of what was run, and with status 0 only if nothing failed. What could not be run
@@ -60,12 +60,33 @@ slow() {
     stage "Soak" --needs "Build, all of it" tests/soak/run.sh "$soak_time"
 }
 
+# The program for a 64-bit ARM board.
+build_arm64() {
+    if ! packaging/install-build-packages.sh --board arm64 ||
+        ! packaging/install-build-packages.sh --emulation arm64; then
+        echo "The packages for an arm64 board could not be installed."
+        return 77
+    fi
+    build arm64-tests unit_tests &&
+        tests/structure/check-libraries.sh build/arm64/bin/frontpanel &&
+        packaging/fetch-preload.sh arm64 build/arm64/bin
+}
+
+board() {
+    stage "Build, ARM" build_arm64
+    stage "Unit tests, ARM" --needs "Build, ARM" \
+        --results build/arm64/test-results ctest --preset arm64-unit --parallel "$unit_jobs"
+    stage "System tests, ARM" --needs "Build, ARM" \
+        --ctest build/test-logs/system-arm64.xml ctest --preset arm64-system --parallel 2 \
+        --output-junit "$PWD/build/test-logs/system-arm64.xml"
+}
+
 coverage_alone() {
     stage "Coverage" packaging/coverage.sh
 }
 
 case "$which" in
     everyday) plan everyday ;;
-    all) plan everyday slow ;;
+    all) plan everyday slow board ;;
     coverage) plan coverage_alone ;;
 esac

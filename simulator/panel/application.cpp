@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QProcessEnvironment>
 
 #include <cstdio>
 #include <cstring>
@@ -17,8 +18,10 @@ QString ProcessEnd::text() const {
     return QStringLiteral("signal %1 (%2)").arg(code).arg(QString::fromLocal8Bit(strsignal(code)));
 }
 
-Application::Application(QString program, const QProcessEnvironment& environment, QObject* parent)
-    : QObject(parent), m_program(std::move(program)), m_environment(environment) {}
+Application::Application(const QString& program, const Launch::Variables& variables,
+                         QObject* parent)
+    : QObject(parent), m_name(QFileInfo(program).fileName()),
+      m_launch(launchOf(program, variables)) {}
 
 Application::~Application() {
     kill();
@@ -27,16 +30,25 @@ Application::~Application() {
 bool Application::start() {
     kill();
     m_lastEnd.reset();
+    if (!m_launch.error.isEmpty()) {
+        m_error = m_launch.error;
+        return false;
+    }
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : m_launch.variables) {
+        environment.insert(QString::fromStdString(name), QString::fromLocal8Bit(value.c_str()));
+    }
     m_process = std::make_unique<BoundProcess>();
-    m_process->setProcessEnvironment(m_environment);
+    m_process->setProcessEnvironment(environment);
     m_process->setInputChannelMode(QProcess::ForwardedInputChannel);
     QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, this,
                      [this] { passOn(QProcess::StandardOutput); });
     QObject::connect(m_process.get(), &QProcess::readyReadStandardError, this,
                      [this] { passOn(QProcess::StandardError); });
-    m_process->start(m_program, QStringList(), QIODevice::ReadOnly);
+    m_process->start(m_launch.program, m_launch.arguments, QIODevice::ReadOnly);
     if (!m_process->waitForStarted()) {
-        m_error = QStringLiteral("cannot start %1: %2").arg(m_program, m_process->errorString());
+        m_error =
+            QStringLiteral("cannot start %1: %2").arg(m_launch.program, m_process->errorString());
         m_process.reset();
         return false;
     }
@@ -88,7 +100,7 @@ void Application::passOn(int channel) {
     const bool isError = channel == QProcess::StandardError;
     m_process->setReadChannel(isError ? QProcess::StandardError : QProcess::StandardOutput);
     FILE* const out = isError ? stderr : stdout;
-    const QByteArray name = QFileInfo(m_program).fileName().toLocal8Bit();
+    const QByteArray name = m_name.toLocal8Bit();
     const bool running = m_process->state() == QProcess::Running;
     while (running ? m_process->canReadLine() : m_process->bytesAvailable() > 0) {
         QByteArray line = m_process->readLine();

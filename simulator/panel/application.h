@@ -1,7 +1,8 @@
 #pragma once
 
+#include "launch.h"
+
 #include <QObject>
-#include <QProcessEnvironment>
 #include <QString>
 
 #include <memory>
@@ -19,15 +20,17 @@ struct ProcessEnd {
     QString text() const; // "exit status 1", "signal 6 (Aborted)"
 };
 
-// The program on the virtual board, run unmodified as a child process. It never outlives this
+// The program on the virtual board, run unmodified as a child process (in an emulator, if it is for
+// another processor). It never outlives this
 // process, however that ends. What it writes comes out on this process's own standard output and
 // error, each line with the program's name in front, unless it is kept quiet.
 class Application : public QObject {
     Q_OBJECT
 
 public:
-    // `environment` holds the variables that make the board visible, in addition to our own.
-    Application(QString program, const QProcessEnvironment& environment, QObject* parent = nullptr);
+    // `variables` make the board visible; they are added to our own environment.
+    Application(const QString& program, const Launch::Variables& variables,
+                QObject* parent = nullptr);
     ~Application() override; // kills it
 
     void setQuiet(bool quiet) { m_quiet = quiet; }
@@ -42,10 +45,10 @@ public:
     // Of the last run; none while it is running, before the first one and after kill().
     std::optional<ProcessEnd> lastEnd() const { return m_lastEnd; }
     qint64 processId() const; // 0 when it is not running
-    const QString& program() const { return m_program; }
+    const Launch& launch() const { return m_launch; }
     QString error() const { return m_error; }
 
-    // Its resident memory, from /proc; 0 when it is not running.
+    // Its resident memory, from /proc; 0 when it is not running. In an emulator, with that one's.
     int residentKilobytes() const;
 
 signals:
@@ -55,8 +58,8 @@ signals:
 private:
     void passOn(int channel);
 
-    const QString m_program;
-    const QProcessEnvironment m_environment;
+    const QString m_name;
+    const Launch m_launch;
     std::unique_ptr<QProcess> m_process;
     std::optional<ProcessEnd> m_lastEnd;
     QString m_error;

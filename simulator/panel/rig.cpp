@@ -1,7 +1,5 @@
 #include "rig.h"
 
-#include <QProcessEnvironment>
-
 #include <cstdio>
 
 namespace panel {
@@ -51,7 +49,7 @@ Rig::Failure Rig::start() {
         return {ExitStatus::PortTaken, m_server.error()};
     }
     m_timer.start(tickMs);
-    m_application = std::make_unique<Application>(m_settings.application, boardEnvironment());
+    m_application = std::make_unique<Application>(m_settings.application, m_board->environment());
     m_application->setQuiet(m_settings.quietApplication);
     connect(m_application.get(), &Application::wrote, this,
             [this](const QString& line) { m_log.add(line); });
@@ -87,21 +85,18 @@ Rig::Failure Rig::startBoard() {
     return {};
 }
 
-QProcessEnvironment Rig::boardEnvironment() const {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const auto& [name, value] : m_board->environment()) {
-        environment.insert(QString::fromStdString(name), QString::fromLocal8Bit(value.c_str()));
-    }
-    return environment;
-}
-
 void Rig::announceEnvironment() const {
+    const Launch& launch = m_application->launch();
+    if (!launch.error.isEmpty()) {
+        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(launch.error));
+        return;
+    }
     std::printf("Start the application by hand with:\n  env");
-    for (const auto& [name, value] : m_board->environment()) {
+    for (const auto& [name, value] : launch.variables) {
         std::printf(" '%s=%s'", name.c_str(), value.c_str());
     }
     std::printf(" %s\nIn gdb, give each with \"set environment NAME VALUE\".\n",
-                qUtf8Printable(m_settings.application));
+                qUtf8Printable((QStringList(launch.program) + launch.arguments).join(' ')));
     std::fflush(stdout);
 }
 

@@ -59,7 +59,6 @@ signals:
 private:
     Failure startTrace();
     Failure startBoard();
-    QProcessEnvironment boardEnvironment() const;
     void announceEnvironment() const;
 
     const Settings m_settings;

@@ -206,6 +206,16 @@ TEST_F(Panelsim, TellsWhenTheApplicationCannotBeStarted) {
     expectContains(ended.error, "cannot start /no/such/program");
 }
 
+TEST_F(Panelsim, TellsWhatIsMissingForAProgramOfAnotherProcessor) {
+    // The head of one for ARM with 32 bits; an emulator may be there, its umockdev is not.
+    const QByteArray head("\x7F"
+                          "ELF\1\1\1\0\0\0\0\0\0\0\0\0\2\0\x28\0",
+                          20);
+    const Outcome outcome = run({"--app", write("application", head), "--no-server"});
+    EXPECT_EQ(outcome.status, 12);
+    expectContains(outcome.error, "is a program for armhf, and this machine has no ");
+}
+
 TEST_F(Panelsim, ShowsTheApplicationItsBoard) {
     EXPECT_EQ(
         play("wait exit 0\n", "[ -c /dev/spidev2.0 ] && [ -e /sys/class/gpio/export ]").status, 0);
