@@ -1,5 +1,7 @@
 #include "cgpio.h"
 
+#include "openfailure.h"
+
 #include <QDebug>
 #include <QString>
 
@@ -14,6 +16,8 @@ const char* const exportPath = "/sys/class/gpio/export";
 void openOrExit(QFile& file, QIODevice::OpenMode mode, const char* message) {
     if (!file.open(mode | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
         qCritical("%s", message);
+        explainOpenFailure(file, "the kernel must have GPIO lines in sysfs (GPIO_SYSFS), and this "
+                                 "line must be there and not in use");
         std::exit(EXIT_FAILURE);
     }
 }

@@ -1,5 +1,7 @@
 #include "cplatform.h"
 
+#include "openfailure.h"
+
 #include <QDebug>
 
 #include <algorithm>
@@ -53,6 +55,8 @@ void Platform::spi_init() {
     m_spi->setBitsPerWord(bitsPerWord);
     if (!m_spi->open()) {
         qDebug("can't open device");
+        explainOpenFailure(m_spi->file(), "the kernel's spidev driver must be bound to device 0 of "
+                                          "SPI bus 2, for example by the device tree");
         std::exit(EXIT_FAILURE);
     }
 }

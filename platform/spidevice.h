@@ -32,6 +32,9 @@ public:
     bool open();
     void close();
 
+    // The node, for what it says about a failed open().
+    const QFile& file() const { return m_file; }
+
     // Full duplex: sends `len` bytes of `tx` and receives as many into `rx`. A null `tx` sends
     // zeros, a null `rx` drops what comes in. False when the driver refuses.
     bool readWrite(char* tx, char* rx, int len);

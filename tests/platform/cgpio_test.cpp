@@ -1,4 +1,5 @@
 #include "cgpio.h"
+#include "linefailure.h"
 #include "program.h"
 #include "testbed.h"
 
@@ -150,21 +151,21 @@ TEST_F(GpioTest, DirectionIsInWhenTheFileSaysIn) {
 TEST_F(GpioTest, MissingExportFileEndsTheProgram) {
     remove(exportFile);
     EXPECT_EQ(runOnBoard(testbed.environment(), {"setDirections"}),
-              "Can't open /sys/class/gpio/export file\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/export file", exportFile));
     EXPECT_FALSE(exists(exportFile));
 }
 
 TEST_F(GpioTest, MissingValueFileEndsTheProgram) {
     remove(valueFile);
     EXPECT_EQ(runOnBoard(testbed.environment(), {"setDirections"}),
-              "Can't open /sys/class/gpio/gpio%1/value\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/gpio%1/value", valueFile));
     EXPECT_FALSE(exists(valueFile));
 }
 
 TEST_F(GpioTest, MissingDirectionFileEndsTheProgramThatSetsIt) {
     remove(directionFile);
     EXPECT_EQ(runOnBoard(testbed.environment(), {"setDirections"}),
-              "Can't open /sys/class/gpio/gpio%1/direction\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/gpio%1/direction", directionFile));
     EXPECT_FALSE(exists(directionFile));
 }
 
@@ -172,7 +173,7 @@ TEST_F(GpioTest, MissingDirectionFileEndsTheProgramThatReadsIt) {
     EXPECT_EQ(runOnBoard(testbed.environment(), {"directions"}), "1\n");
     remove(directionFile);
     EXPECT_EQ(runOnBoard(testbed.environment(), {"directions"}),
-              "Can't open /sys/class/gpio/gpio%1/direction\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/gpio%1/direction", directionFile));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "cplatform.h"
+#include "linefailure.h"
 #include "program.h"
 #include "recordingwires.h"
 
@@ -198,7 +199,9 @@ TEST(PlatformOnABoardWithFaults, MissingSpiNodeEndsTheProgramAndLeavesNoFileBehi
     options.spiNode = false;
     const board::VirtualBoard virtualBoard(wires, options);
     EXPECT_EQ(runOnBoard(virtualBoard.environment(), {"init", "open"}),
-              "can't open device\nstatus 1");
+              "can't open device\n/dev/spidev2.0: No such file or directory; the kernel's spidev "
+              "driver must be bound to device 0 of SPI bus 2, for example by the device tree\n"
+              "status 1");
     EXPECT_FALSE(std::filesystem::exists(virtualBoard.root() + "/dev/spidev2.0"));
     EXPECT_FALSE(std::filesystem::exists("/dev/spidev2.0"));
 }
@@ -209,7 +212,7 @@ TEST(PlatformOnABoardWithFaults, MissingExportFileEndsTheProgram) {
     options.gpioExport = false;
     const board::VirtualBoard virtualBoard(wires, options);
     EXPECT_EQ(runOnBoard(virtualBoard.environment(), {"init"}),
-              "Can't open /sys/class/gpio/export file\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/export file", "/sys/class/gpio/export"));
 }
 
 TEST(PlatformOnABoardWithFaults, LinesThatAreExportedAlreadyDoNotMatter) {
@@ -228,7 +231,8 @@ TEST_P(PlatformLineFileTest, MissingFileOfALineEndsTheProgram) {
     ASSERT_TRUE(std::filesystem::remove(virtualBoard.root() + "/sys/class/gpio/" + GetParam()));
     const std::string kind = std::filesystem::path(GetParam()).filename();
     EXPECT_EQ(runOnBoard(virtualBoard.environment(), {"init"}),
-              "Can't open /sys/class/gpio/gpio%1/" + kind + "\nstatus 1");
+              lineFailure("Can't open /sys/class/gpio/gpio%1/" + kind,
+                          std::string("/sys/class/gpio/") + GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Lines, PlatformLineFileTest,
