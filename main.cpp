@@ -11,24 +11,30 @@
 #include "platform.h"
 #include "pnrwidget.h"
 #include "screenflow.h"
+#include "servicemanager.h"
 #include "startup.h"
+#include "touchpoll.h"
 #include "waitforserver.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 
+#include <chrono>
 #include <cstdlib>
 
 namespace {
 
 constexpr uint32_t waitScreenMs = 1000;
+constexpr std::chrono::seconds displayPatience{20}; // a few times what the display takes
 
 } // namespace
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
+    ServiceManager manager;
     registerRecords();
     qDebug() << "Start client application";
+    manager.starting("bringing the display up", displayPatience);
     detectController();
     platform_spi_deinit();
 
@@ -43,8 +49,9 @@ int main(int argc, char* argv[]) {
     Gpu_Hal_Sleep(waitScreenMs);
 
     DataReader client;
-    if (!connectToServer(client)) {
+    if (!connectToServer(client, manager)) {
         qDebug() << "Can't connect to server";
+        manager.starting("no measurement server", displayPatience);
         ErrorWidget error(&host);
         error.exec();
         std::exit(EXIT_FAILURE); // tears nothing down: the picture stays on the display
@@ -60,6 +67,8 @@ int main(int argc, char* argv[]) {
     OptionWidget options(&host, &client);
     connectOptionsScreen(counter, histogram, options, wayBack);
 
+    onTouchPoll([&manager] { manager.alive(); });
     counter.exec();
+    manager.ready("running");
     return QCoreApplication::exec();
 }

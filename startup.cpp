@@ -3,13 +3,25 @@
 #include "Gpu_Hal.h"
 #include "datareader.h"
 #include "displaysettings.h"
+#include "servicemanager.h"
 
 #include <QDebug>
+
+#include <chrono>
+#include <string>
 
 namespace {
 
 constexpr int connectionAttempts = 10;
 constexpr uint32_t retryPauseMs = 1000;
+// The longest that an attempt takes, with its pause, and as long again for a busy board.
+constexpr std::chrono::seconds attemptPatience{22};
+
+void announceAttempt(ServiceManager& manager, int attempt) {
+    manager.starting("connecting to the measurement server, attempt " + std::to_string(attempt) +
+                         " of " + std::to_string(connectionAttempts),
+                     attemptPatience);
+}
 
 } // namespace
 
@@ -36,8 +48,9 @@ void writeTouchTransform(Gpu_Hal_Context_t* host) {
     write(EVE_REG("__REG_TOUCH_TRANSFORM_F"), 10494);
 }
 
-bool connectToServer(DataReader& client) {
-    for (int attempt = 0; attempt < connectionAttempts; ++attempt) {
+bool connectToServer(DataReader& client, ServiceManager& manager) {
+    for (int attempt = 1; attempt <= connectionAttempts; ++attempt) {
+        announceAttempt(manager, attempt);
         if (client.connectToServer()) {
             return true;
         }

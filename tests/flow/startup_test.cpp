@@ -2,6 +2,7 @@
 #include "debuglog.h"
 #include "screentest.h"
 #include "scriptedserver.h"
+#include "servicemanager.h"
 #include "startup.h"
 
 #include <QMetaType>
@@ -82,36 +83,37 @@ protected:
     std::size_t sleepsUntilServer = 0;
     std::unique_ptr<ScriptedServer> server;
     DataReader client;
+    ServiceManager manager; // of which there is none here
 };
 
 TEST_F(ConnectToServerTest, AServerThatIsThereIsUsedAtOnce) {
     server = std::make_unique<ScriptedServer>();
-    EXPECT_TRUE(connectToServer(client));
+    EXPECT_TRUE(connectToServer(client, manager));
     EXPECT_THAT(sleeps, SizeIs(0));
 }
 
 TEST_F(ConnectToServerTest, AServerThatAcceptsOnTheThirdAttemptIsUsedAfterTwoSleepsOfASecond) {
     sleepsUntilServer = 2;
-    EXPECT_TRUE(connectToServer(client));
+    EXPECT_TRUE(connectToServer(client, manager));
     EXPECT_THAT(sleeps, ElementsAre(1000U, 1000U));
     EXPECT_TRUE(client.isSocketReady());
 }
 
 TEST_F(ConnectToServerTest, GivesUpAfterTenAttemptsEachFollowedByASleep) {
-    EXPECT_FALSE(connectToServer(client));
+    EXPECT_FALSE(connectToServer(client, manager));
     EXPECT_THAT(sleeps, SizeIs(10));
     EXPECT_THAT(sleeps, Each(1000U));
 }
 
 TEST_F(ConnectToServerTest, AServerThatComesAfterTheTenthAttemptIsTooLate) {
     sleepsUntilServer = 10;
-    EXPECT_FALSE(connectToServer(client));
+    EXPECT_FALSE(connectToServer(client, manager));
     EXPECT_EQ(server->connections(), 0);
 }
 
 TEST_F(ConnectToServerTest, AServerThatAcceptsOnTheTenthAttemptIsUsed) {
     sleepsUntilServer = 9;
-    EXPECT_TRUE(connectToServer(client));
+    EXPECT_TRUE(connectToServer(client, manager));
     EXPECT_THAT(sleeps, SizeIs(9));
 }
 

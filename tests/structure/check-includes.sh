@@ -19,7 +19,8 @@ eve_layer/detail        Qt
 eve_layer/words
 widgets                 Qt client eve_layer platform assets eve_layer/words widgets/drawing
 widgets/drawing         Qt eve_layer platform eve_layer/words
-.                       Qt client eve_layer platform widgets assets
+supervision
+.                       Qt client eve_layer platform widgets assets supervision
 $c/base
 $c/words                $c/base
 $c/memory               $c/base
@@ -46,7 +47,7 @@ while read -r header; do
     name=${header##*/}
     homes_of[$name]+=" ${header%/*}"
 done < <(find . -maxdepth 1 -name '*.h'
-         find assets client platform eve_layer widgets simulator -name '*.h')
+         find assets client platform eve_layer widgets supervision simulator -name '*.h')
 
 mistakes=0
 checked=0

@@ -1,5 +1,6 @@
 #include "screentest.h"
 #include "touch.h"
+#include "touchpoll.h"
 
 namespace {
 
@@ -12,6 +13,19 @@ TEST_F(TouchTagTest, IsTheItemsTagAnd255IsNoTouch) {
     }
     touch(255);
     EXPECT_EQ(readTouchTag(&host), noTouch);
+}
+
+TEST_F(TouchTagTest, EveryLookCallsTheHookOnceUntilThereIsNone) {
+    int calls = 0;
+    onTouchPoll([&calls] { ++calls; });
+    readTouchTag(&host);
+    EXPECT_EQ(calls, 1);
+    touch(255);
+    readTouchTag(&host);
+    EXPECT_EQ(calls, 2);
+    onTouchPoll({});
+    readTouchTag(&host);
+    EXPECT_EQ(calls, 2);
 }
 
 TEST(TouchChangeTest, AFingerThatComesDownIsAPress) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 struct Gpu_Hal_Context_t;
 
 // What readTouchTag() returns when no tagged item is touched.
@@ -8,6 +10,9 @@ constexpr int noTouch = 0;
 // The tag (1..254) of the item under the finger, or noTouch. The controller's 255, a touch on
 // nothing tagged, counts as no touch.
 int readTouchTag(Gpu_Hal_Context_t* host);
+
+// Calls `hook` at the end of every readTouchTag() from now on; an empty one ends that.
+void setTouchPollHook(std::function<void()> hook);
 
 enum class TouchChange {
     None, // also when the finger slides from one item to another
