@@ -18,6 +18,8 @@ constexpr int highestZoom = 4;
 struct Options {
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
                             QStringLiteral("Show this help and end.")};
+    QCommandLineOption version{QStringLiteral("version"),
+                               QStringLiteral("Show the version and end.")};
     QCommandLineOption app{QStringLiteral("app"),
                            QStringLiteral("The application to run, instead of the frontpanel "
                                           "beside this program."),
@@ -78,9 +80,9 @@ struct Options {
                                                  "requests and the application's memory.")};
 
     QList<QCommandLineOption> all() const {
-        return {help,  app,      noApp,     generation, boardFault, noServer,    answersEverything,
-                seed,  headless, zoom,      script,     timeLimit,  screenshots, compare,
-                renew, trace,    statistics};
+        return {help,      version,           app,     noApp,    generation, boardFault,
+                noServer,  answersEverything, seed,    headless, zoom,       script,
+                timeLimit, screenshots,       compare, renew,    trace,      statistics};
     }
 };
 
@@ -183,6 +185,7 @@ CommandLine parseCommandLine(const QStringList& arguments) {
         return commandLine;
     }
     commandLine.wantsHelp = parser.isSet(options.help);
+    commandLine.wantsVersion = parser.isSet(options.version);
     read(parser, options, QFileInfo(arguments.first()).absolutePath(), commandLine);
     return commandLine;
 }

@@ -36,6 +36,7 @@ struct CommandLine {
     Settings settings;
     QString error; // what is wrong and how to mend it; empty: nothing
     bool wantsHelp = false;
+    bool wantsVersion = false;
 };
 
 // `arguments` as QCoreApplication::arguments() gives them: the program's path first. The default

@@ -113,8 +113,13 @@ int main(int argc, char* argv[]) {
     const panel::Settings& settings = commandLine.settings;
     const bool headless = settings.headless || !hasDisplay();
     const std::unique_ptr<QCoreApplication> application =
-        headless || commandLine.wantsHelp ? std::make_unique<QCoreApplication>(argc, argv)
-                                          : std::make_unique<QApplication>(argc, argv);
+        headless || commandLine.wantsHelp || commandLine.wantsVersion
+            ? std::make_unique<QCoreApplication>(argc, argv)
+            : std::make_unique<QApplication>(argc, argv);
+    if (commandLine.wantsVersion) {
+        std::printf("panelsim %s\n", FRONTPANEL_VERSION);
+        return 0;
+    }
     if (commandLine.wantsHelp) {
         std::printf("%s", qUtf8Printable(panel::helpText()));
         return 0;

@@ -49,6 +49,7 @@ std::optional<Options> parse(const QCoreApplication& application) {
         "for example:\n  printf 'START 0.5\\nDATA?\\n' | nc -q 1 127.0.0.1 9800\n\n"
         "Runs until it is interrupted. Exit status 1: cannot listen; 2: wrong usage.");
     parser.addHelpOption();
+    parser.addVersionOption();
     parser.addOptions({port, seed, fault, answerEverything, verbose});
     parser.process(application);
 
@@ -76,6 +77,7 @@ std::optional<Options> parse(const QCoreApplication& application) {
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(FRONTPANEL_VERSION));
     const auto options = parse(application);
     if (!options)
         return exitUsage;

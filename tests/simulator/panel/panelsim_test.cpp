@@ -111,6 +111,12 @@ bool isGone(pid_t process) {
     return !commandLine.open(QIODevice::ReadOnly) || commandLine.readAll().isEmpty();
 }
 
+TEST_F(Panelsim, TellsItsVersion) {
+    const Outcome outcome = run({"--version"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "panelsim " VERSION "\n");
+}
+
 TEST_F(Panelsim, EndsWellWhenTheScriptDoes) {
     const Outcome ended = play("wait time 50ms\n", "exec sleep 100");
     EXPECT_EQ(ended.status, 0) << ended.error;

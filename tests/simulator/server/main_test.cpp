@@ -48,6 +48,12 @@ TEST(MeasurementServerProgramTest, HelpNamesCommandsAndOptions) {
         EXPECT_THAT(help, HasSubstr(word));
 }
 
+TEST(MeasurementServerProgramTest, TellsItsVersion) {
+    Program program({"--version"});
+    EXPECT_EQ(program.exitStatus(), 0);
+    EXPECT_EQ(program.output(), "measurementserver " VERSION "\n");
+}
+
 TEST(MeasurementServerProgramTest, PrintsWhereItListensAndEachRequest) {
     Program program({"--port", "0", "--verbose"});
     const QString listening = QString::fromStdString(program.line());
