@@ -58,6 +58,7 @@ slow() {
     stage "Coverage" packaging/coverage.sh
     stage "Fuzzing" tests/fuzz/run.sh "$fuzz_seconds"
     stage "Soak" --needs "Build, all of it" tests/soak/run.sh "$soak_time"
+    stage "Packages" tests/packages/check.sh
 }
 
 # The program for a 64-bit ARM board.

@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t scripts < <(git ls-files '*.sh' '.ci/run')
+mapfile -t scripts < <(git ls-files '*.sh' '.ci/run' 'packaging/board/prepare-board')
 if [ "${1:-}" = --scripts ]; then
     printf '%s\n' "${scripts[@]}"
     exit

@@ -7,12 +7,15 @@
 #                                                (board-packages.txt)
 #   install-build-packages.sh --emulation ARCH   to run here what was built for it, besides
 #                                                (emulation-packages.txt)
+#   install-build-packages.sh --debian           to make Debian packages, besides
+#                                                (debian-packages.txt)
 set -euo pipefail
 cd "$(dirname "$0")"
 
 architecture=$(dpkg --print-architecture)
 case "${1:-}" in
     '') list=build-packages.txt ;;
+    --debian) list=debian-packages.txt ;;
     --board | --emulation)
         list=${1#--}-packages.txt
         architecture=${2:-}
@@ -20,7 +23,7 @@ case "${1:-}" in
     *) list=none ;;
 esac
 if [ "$list" = none ] || [[ ! $architecture =~ ^[a-z0-9]+$ ]]; then
-    sed -n '2,9s/^# \{0,1\}//p' "$(basename "$0")" >&2
+    sed -n '2,11s/^# \{0,1\}//p' "$(basename "$0")" >&2
     exit 2
 fi
 
