@@ -31,11 +31,13 @@ $c/rom                  $c/base $c/words $c/memory
 $c/text                 $c/base $c/memory $c/rom
 $c/host                 $c/memory $c/text
 $c/graphics             $c/base $c/words $c/memory $c/rom
-$c/coprocessor          $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text
+$c/coprocessor/painting $c/base $c/words $c/memory $c/rom
+$c/coprocessor/unpacking
+$c/coprocessor          $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/coprocessor/painting $c/coprocessor/unpacking
 $c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $c/coprocessor
 simulator/board
 simulator/server        Qt
-simulator/panel         Qt $c $c/base $c/memory $c/text $c/coprocessor simulator/board simulator/server
+simulator/panel         Qt $c $c/base $c/words $c/memory $c/text simulator/board simulator/server
 "
 
 # More sources than this in one folder of the controller model are more than one part.
@@ -92,7 +94,7 @@ check_folder() { # folder allowed
 }
 
 # A part of the model that no rule is about could include anything.
-for folder in "$c"/*/; do
+for folder in "$c"/*/ "$c"/coprocessor/*/; do
     folder=${folder%/}
     [ -n "${allowed_in[$folder]+known}" ] || report "$folder has no rule"
 done
