@@ -295,8 +295,7 @@ void Controller::Chip::noteTouch() {
     const std::optional<Point> pixel = m_touch.sample(m_registers);
     const std::uint32_t tag = pixel ? m_display.tagAt(pixel->x, pixel->y) : 0;
     m_registers.set(Register::TouchTag, tag);
-    constexpr std::uint32_t untouched = 0xFFFFFFFF;
-    if (rawBefore == untouched && pixel) {
+    if (rawBefore == untouchedRawXy && pixel) {
         raise(interrupt::touch);
     }
     if (tag != tagBefore) {

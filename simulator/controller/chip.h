@@ -6,6 +6,7 @@
 #include "display.h"
 #include "frametiming.h"
 #include "hostinterface.h"
+#include "machine.h"
 #include "memorymap.h"
 #include "power.h"
 #include "registers.h"
@@ -33,7 +34,7 @@ namespace controller {
 // Not modelled, as nothing here could show it: sound (over at once), dithering, colour swizzle and
 // sync polarity, pin drive, dual and quad SPI, tearing by a swap in mid-frame (drawn as if at its
 // end), more than one finger. Not modelled and complained about: a rotated picture, and the
-// commands that coprocessor.h names.
+// commands that commandgroups.h names.
 class Controller::Chip : private HostTarget, private RegisterBehaviour, private CoprocessorPort {
 public:
     Chip(Generation generation, const Options& options);

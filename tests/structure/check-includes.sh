@@ -6,8 +6,9 @@ set -euo pipefail
 shopt -s nullglob
 cd "$1"
 
-# The parts of the controller model.
+# The parts of the controller model, and of its coprocessor.
 c=simulator/controller
+p=$c/coprocessor
 
 # Folder, and the folders whose headers it may include besides its own ("Qt" for Qt's).
 rules="
@@ -31,10 +32,13 @@ $c/rom                  $c/base $c/words $c/memory
 $c/text                 $c/base $c/memory $c/rom
 $c/host                 $c/memory $c/text
 $c/graphics             $c/base $c/words $c/memory $c/rom
-$c/coprocessor/painting $c/base $c/words $c/memory $c/rom
-$c/coprocessor/unpacking
-$c/coprocessor          $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/coprocessor/painting $c/coprocessor/unpacking
-$c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $c/coprocessor
+$p/machine              $c/base $c/words $c/memory $c/clock $c/flash
+$p/painting             $c/base $c/words $c/memory $c/rom
+$p/unpacking
+$p/animations           $c/base $c/words $c/memory $c/touch $p/machine $p/painting
+$p/commands             $c/base $c/words $c/memory $c/flash $c/rom $p/machine $p/painting $p/unpacking $p/animations
+$p                      $c/base $c/words $c/memory $c/flash $c/text $p/machine $p/painting $p/commands
+$c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $p $p/machine
 simulator/board
 simulator/server        Qt
 simulator/panel         Qt $c $c/base $c/words $c/memory $c/text simulator/board simulator/server
@@ -94,7 +98,7 @@ check_folder() { # folder allowed
 }
 
 # A part of the model that no rule is about could include anything.
-for folder in "$c"/*/ "$c"/coprocessor/*/; do
+for folder in "$c"/*/ "$p"/*/; do
     folder=${folder%/}
     [ -n "${allowed_in[$folder]+known}" ] || report "$folder has no rule"
 done

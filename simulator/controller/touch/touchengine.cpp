@@ -21,7 +21,7 @@ constexpr std::uint32_t resistanceTouched = 1000;
 constexpr std::uint32_t resistanceUntouched = 0x7FFF;
 
 constexpr std::uint32_t untouchedScreenXy = 0x80008000;
-constexpr std::uint32_t untouchedRawXy = 0xFFFFFFFF;
+
 constexpr std::uint32_t untouchedDirectXy = 0x80000000;
 
 namespace mode {

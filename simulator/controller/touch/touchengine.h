@@ -12,6 +12,9 @@ struct Point {
     int y = 0;
 };
 
+// What REG_TOUCH_RAW_XY reads while no finger is on the panel.
+constexpr std::uint32_t untouchedRawXy = 0xFFFFFFFF;
+
 // The touch panel and the engine that samples it, once per frame.
 //
 // The panel gives raw coordinates, whatever the host wants; screen coordinates come from those

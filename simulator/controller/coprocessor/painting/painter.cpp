@@ -55,8 +55,9 @@ void Painter::tag(std::uint32_t value) {
     put(dl::tag(value));
 }
 
-void Painter::vertex(int x, int y) {
-    put(dl::vertex2f(clampTo(x, -vertexLimit, vertexLimit), clampTo(y, -vertexLimit, vertexLimit)));
+void Painter::vertex(Point16 point) {
+    put(dl::vertex2f(clampTo(point.x, -vertexLimit, vertexLimit),
+                     clampTo(point.y, -vertexLimit, vertexLimit)));
 }
 
 void Painter::box(const Box& outer, int radius) {
@@ -67,23 +68,23 @@ void Painter::box(const Box& outer, int radius) {
     const int width = clampTo(std::min(radius, half), smallestWidth, lineWidthLimit);
     put(dl::lineWidth(static_cast<std::uint32_t>(width)));
     put(dl::begin(primitive::Rects));
-    vertex(outer.x + width, outer.y + width);
-    vertex(outer.x + outer.width - width, outer.y + outer.height - width);
+    vertex({outer.x + width, outer.y + width});
+    vertex({outer.x + outer.width - width, outer.y + outer.height - width});
     put(dl::end());
 }
 
-void Painter::disc(int x, int y, int radius) {
+void Painter::disc(Point16 center, int radius) {
     put(dl::pointSize(static_cast<std::uint32_t>(clampTo(radius, 0, pointSizeLimit))));
     put(dl::begin(primitive::Points));
-    vertex(x, y);
+    vertex(center);
     put(dl::end());
 }
 
-void Painter::line(int x0, int y0, int x1, int y1, int halfWidth) {
+void Painter::line(Point16 from, Point16 to, int halfWidth) {
     put(dl::lineWidth(static_cast<std::uint32_t>(clampTo(halfWidth, 0, lineWidthLimit))));
     put(dl::begin(primitive::Lines));
-    vertex(x0, y0);
-    vertex(x1, y1);
+    vertex(from);
+    vertex(to);
     put(dl::end());
 }
 
@@ -99,7 +100,7 @@ void Painter::character(const Font& font, int x, int y, std::uint32_t cell) {
     }
     put(dl::bitmapHandle(font.handle));
     put(dl::cell(cell));
-    vertex(x * subpixels, y * subpixels);
+    vertex({x * subpixels, y * subpixels});
 }
 
 void Painter::text(const Font& font, int x, int y, unsigned options, const std::string& text) {

@@ -67,14 +67,14 @@ public:
 
     // A filled rectangle with round corners; the radius is cut to what fits.
     void box(const Box& outer, int radius);
-    void disc(int x, int y, int radius);
-    void line(int x0, int y0, int x1, int y1, int halfWidth);
+    void disc(Point16 center, int radius);
+    void line(Point16 from, Point16 to, int halfWidth);
     // Text relative to (x, y) in pixels, as CENTERX, CENTERY and RIGHTX among `options` say.
     void text(const Font& font, int x, int y, unsigned options, const std::string& text);
 
 private:
     void put(std::uint32_t word) { m_words.push_back(word); }
-    void vertex(int x, int y);
+    void vertex(Point16 point);
     void character(const Font& font, int x, int y, std::uint32_t cell);
 
     Words& m_words;

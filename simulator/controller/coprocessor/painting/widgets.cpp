@@ -86,13 +86,13 @@ void WidgetWriter::roundFace(Painter& painter, int x, int y, int radius, std::ui
                              unsigned options) const {
     if (!(options & option::flat)) {
         painter.color(mixed(color, 0, 128));
-        painter.disc(x, y, radius);
+        painter.disc({x, y}, radius);
         painter.color(mixed(color, m_colors.gradient, 128));
-        painter.disc(x, y - edge, radius - edge);
+        painter.disc({x, y - edge}, radius - edge);
         radius -= edge;
     }
     painter.color(color);
-    painter.disc(x, y, radius);
+    painter.disc({x, y}, radius);
 }
 
 // A hollow for something to move in.
@@ -250,7 +250,7 @@ void WidgetWriter::gauge(int x, int y, int radius, unsigned options, unsigned ma
             const bool isMajor = i % std::max(minor, 1U) == 0;
             const Point16 outer = handTip(cx, cy, r * 14 / 16, angle);
             const Point16 inner = handTip(cx, cy, isMajor ? r * 12 / 16 : r * 13 / 16, angle);
-            face.line(inner.x, inner.y, outer.x, outer.y, isMajor ? halfWidth * 2 : halfWidth);
+            face.line(inner, outer, isMajor ? halfWidth * 2 : halfWidth);
         }
     }
     if (!(options & option::noHands)) {
@@ -258,8 +258,8 @@ void WidgetWriter::gauge(int x, int y, int radius, unsigned options, unsigned ma
             first + static_cast<std::uint32_t>(share(static_cast<int>(sweep), value, range));
         const Point16 tip = handTip(cx, cy, r * 13 / 16, angle);
         face.color(mixed(m_colors.foreground, white, 64));
-        face.line(cx, cy, tip.x, tip.y, halfWidth * 2);
-        face.disc(cx, cy, r / 10);
+        face.line({cx, cy}, tip, halfWidth * 2);
+        face.disc({cx, cy}, r / 10);
     }
 }
 
@@ -277,7 +277,7 @@ void WidgetWriter::clock(int x, int y, int radius, unsigned options, unsigned ho
         for (std::uint32_t i = 0; i < 12; ++i) {
             const Point16 outer = handTip(cx, cy, r * 14 / 16, i * turn / 12);
             const Point16 inner = handTip(cx, cy, r * 12 / 16, i * turn / 12);
-            face.line(inner.x, inner.y, outer.x, outer.y, std::max(r / 64, subpixels / 2));
+            face.line(inner, outer, std::max(r / 64, subpixels / 2));
         }
     }
     const std::uint64_t ms =
@@ -288,7 +288,7 @@ void WidgetWriter::clock(int x, int y, int radius, unsigned options, unsigned ho
     constexpr std::uint64_t minute = 60'000;
     const auto hand = [&](int length, std::uint32_t direction, int halfWidth) {
         const Point16 tip = handTip(cx, cy, length, direction);
-        face.line(cx, cy, tip.x, tip.y, std::max(halfWidth, subpixels / 2));
+        face.line({cx, cy}, tip, std::max(halfWidth, subpixels / 2));
     };
     if (!(options & option::noHands)) {
         hand(r / 2, angle(minute * 60 * 12), r / 24);
@@ -310,7 +310,7 @@ void WidgetWriter::dial(int x, int y, int radius, unsigned options, unsigned val
     const Point16 inner = handTip(cx, cy, r * 9 / 16, angle);
     const Point16 outer = handTip(cx, cy, r * 13 / 16, angle);
     face.color(white);
-    face.line(inner.x, inner.y, outer.x, outer.y, std::max(r / 16, subpixels / 2));
+    face.line(inner, outer, std::max(r / 16, subpixels / 2));
 }
 
 } // namespace controller

@@ -1,0 +1,55 @@
+#include "tracker.h"
+
+#include "fixedmath.h"
+#include "touchengine.h"
+
+#include <algorithm>
+
+namespace controller {
+
+std::uint32_t Tracker::Track::valueAt(int atX, int atY) const {
+    if (width == 1 && height == 1) {
+        return (angleOf(atX - x, atY - y) + 0x8000U) & 0xFFFFU; // as DIAL: 0 straight down
+    }
+    const bool upright = height > width;
+    const std::int64_t position = upright ? atY - y : atX - x;
+    const std::int64_t length = upright ? height : width;
+    return static_cast<std::uint32_t>(clampTo<std::int64_t>(position * 65536 / length, 0, 0xFFFF));
+}
+
+void Tracker::set(const Track& track) {
+    m_tracks.erase(std::remove_if(m_tracks.begin(), m_tracks.end(),
+                                  [&track](const Track& known) { return known.tag == track.tag; }),
+                   m_tracks.end());
+    if (track.width > 0 && track.height > 0) {
+        m_tracks.push_back(track);
+    }
+}
+
+void Tracker::reset() {
+    m_tracks.clear();
+    m_tag = 0;
+}
+
+void Tracker::frameEnded() {
+    const std::uint32_t word = m_machine.memory.layout().tracker;
+    if (m_machine.registers[Register::TouchRawXy] == untouchedRawXy) {
+        m_tag = 0;
+        if (!m_tracks.empty()) {
+            m_machine.memory.write32(word, 0);
+        }
+        return;
+    }
+    if (m_tag == 0) {
+        m_tag = m_machine.registers[Register::TouchTag];
+    }
+    const auto track = std::find_if(m_tracks.begin(), m_tracks.end(),
+                                    [this](const Track& known) { return known.tag == m_tag; });
+    if (track != m_tracks.end()) {
+        const std::uint32_t screen = m_machine.registers[Register::TouchScreenXy];
+        m_machine.memory.write32(word, track->valueAt(highHalf(screen), lowHalf(screen)) << 16U |
+                                           track->tag);
+    }
+}
+
+} // namespace controller

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "bitmapmatrix.h"
+#include "commandset.h"
+#include "machine.h"
+#include "threepoints.h"
+
+namespace controller {
+
+// The bitmap matrix, and transforms through three points.
+class MatrixCommands {
+public:
+    explicit MatrixCommands(Machine& machine) : m_machine(machine) {}
+    void addTo(CommandSet& set);
+    void reset() { m_matrix.loadIdentity(); }
+
+private:
+    void loadIdentity(const Call& call);
+    void translate(const Call& call);
+    void scale(const Call& call);
+    void rotate(const Call& call);
+    void rotateAround(const Call& call);
+    void setMatrix(const Call& call);
+    void getMatrix(const Call& call);
+    void bitmapTransform(const Call& call);
+    void touchTransform(const Call& call);
+    void putTransform(const Affine& transform);
+
+    Machine& m_machine;
+    BitmapMatrix m_matrix;
+};
+
+// Writes the touch transform's six registers.
+void setTouchTransform(Registers& registers, const Affine& transform);
+
+} // namespace controller
