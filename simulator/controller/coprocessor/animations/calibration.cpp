@@ -32,8 +32,8 @@ void Calibration::draw(Words& words, std::uint32_t) const {
     if (!isOver()) {
         const PointPair& dot = m_points[m_touched];
         Painter(words, m_machine.generation)
-            .disc({dot.tx * subpixels, dot.ty * subpixels},
-                  m_machine.panelHeight() * subpixels / 32);
+            .disc({{dot.tx * subpixels, dot.ty * subpixels},
+                   m_machine.panelHeight() * subpixels / 32});
     }
 }
 

@@ -16,7 +16,7 @@ void Logo::draw(Words& words, std::uint32_t frame) const {
         static_cast<int>(std::min(frame, frames)) * largest / static_cast<int>(frames);
     Painter painter(words, m_machine.generation);
     painter.color(m_color);
-    painter.disc({width / 2, height / 2}, radius);
+    painter.disc({{width / 2, height / 2}, radius});
 }
 
 } // namespace controller

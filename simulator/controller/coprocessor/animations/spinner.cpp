@@ -57,8 +57,8 @@ void Spinner::circle(Painter& painter, std::uint32_t phase) const {
     constexpr std::uint32_t dots = 8;
     for (std::uint32_t i = 0; i < dots; ++i) {
         const std::uint32_t angle = i * turn / dots;
-        painter.disc(around(m_settings.center, unit() * 3 / 4, angle),
-                     swollen(unit(), phase - angle));
+        painter.disc(
+            {around(m_settings.center, unit() * 3 / 4, angle), swollen(unit(), phase - angle)});
     }
 }
 
@@ -67,7 +67,7 @@ void Spinner::row(Painter& painter, std::uint32_t phase) const {
     for (int i = 0; i < dots; ++i) {
         const std::uint32_t lag = static_cast<std::uint32_t>(i) * turn / 8;
         const int x = m_settings.center.x + unit() * 3 * (i - dots / 2) / 8;
-        painter.disc({x, m_settings.center.y}, swollen(unit(), phase - lag));
+        painter.disc({{x, m_settings.center.y}, swollen(unit(), phase - lag)});
     }
 }
 
@@ -78,7 +78,7 @@ void Spinner::hand(Painter& painter, std::uint32_t phase) const {
 
 void Spinner::pair(Painter& painter, std::uint32_t phase) const {
     for (const std::uint32_t start : {0U, turn / 2}) {
-        painter.disc(around(m_settings.center, unit() * 3 / 5, phase + start), unit() / 5);
+        painter.disc({around(m_settings.center, unit() * 3 / 5, phase + start), unit() / 5});
     }
 }
 

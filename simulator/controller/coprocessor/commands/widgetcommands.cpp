@@ -28,6 +28,10 @@ Place placeOf(const Call& call) {
     return {call.low(0), call.high(0), call.low(1), call.high(1)};
 }
 
+RoundPlace roundPlaceOf(const Call& call) {
+    return {call.low(0), call.high(0), call.low(1)};
+}
+
 } // namespace
 
 void WidgetCommands::addTo(CommandSet& set) {
@@ -123,80 +127,80 @@ void WidgetCommands::text(const Call& call) {
     if (m_machine.generation == Generation::E3 && (call.textOptions() & option::fill)) {
         m_machine.port.complain("option FILL of TEXT is not modelled");
     }
+    const Font font = fontOf(call.lowUnsigned(1));
     draw([&](WidgetWriter& writer) {
-        writer.text(fontOf(call.lowUnsigned(1)), call.low(0), call.high(0), call.textOptions(),
-                    textOf(call));
+        writer.text({call.low(0), call.high(0), call.textOptions()}, {font, textOf(call)});
     });
 }
 
 void WidgetCommands::number(const Call& call) {
+    const Font font = fontOf(call.lowUnsigned(1));
     const unsigned options = call.highUnsigned(1);
     draw([&](WidgetWriter& writer) {
-        writer.text(fontOf(call.lowUnsigned(1)), call.low(0), call.high(0), options,
-                    numberText(call[2], options, m_base));
+        writer.text({call.low(0), call.high(0), options},
+                    {font, numberText(call[2], options, m_base)});
     });
 }
 
 void WidgetCommands::button(const Call& call) {
+    const Font font = fontOf(call.lowUnsigned(2));
     draw([&](WidgetWriter& writer) {
-        writer.button(placeOf(call), fontOf(call.lowUnsigned(2)), call.textOptions(), textOf(call));
+        writer.button(placeOf(call), call.textOptions(), {font, textOf(call)});
     });
 }
 
 void WidgetCommands::keys(const Call& call) {
+    const Font font = fontOf(call.lowUnsigned(2));
     draw([&](WidgetWriter& writer) {
-        writer.keys(placeOf(call), fontOf(call.lowUnsigned(2)), call.textOptions(), call.text);
+        writer.keys(placeOf(call), call.textOptions(), {font, call.text});
     });
 }
 
 void WidgetCommands::progress(const Call& call) {
-    draw([&](WidgetWriter& writer) {
-        writer.progress(placeOf(call), call.lowUnsigned(2), call.highUnsigned(2),
-                        call.lowUnsigned(3));
-    });
+    const Portion done{call.highUnsigned(2), call.lowUnsigned(3)};
+    draw([&](WidgetWriter& writer) { writer.progress(placeOf(call), call.lowUnsigned(2), done); });
 }
 
 void WidgetCommands::slider(const Call& call) {
-    draw([&](WidgetWriter& writer) {
-        writer.slider(placeOf(call), call.lowUnsigned(2), call.highUnsigned(2),
-                      call.lowUnsigned(3));
-    });
+    const Portion position{call.highUnsigned(2), call.lowUnsigned(3)};
+    draw(
+        [&](WidgetWriter& writer) { writer.slider(placeOf(call), call.lowUnsigned(2), position); });
 }
 
 void WidgetCommands::scrollbar(const Call& call) {
+    const Portion start{call.highUnsigned(2), call.highUnsigned(3)};
     draw([&](WidgetWriter& writer) {
-        writer.scrollbar(placeOf(call), call.lowUnsigned(2), call.highUnsigned(2),
-                         call.lowUnsigned(3), call.highUnsigned(3));
+        writer.scrollbar(placeOf(call), call.lowUnsigned(2), start, call.lowUnsigned(3));
     });
 }
 
 void WidgetCommands::toggle(const Call& call) {
+    const Font font = fontOf(call.highUnsigned(1));
     draw([&](WidgetWriter& writer) {
-        writer.toggle(call.low(0), call.high(0), call.low(1), fontOf(call.highUnsigned(1)),
-                      call.textOptions(), call.highUnsigned(2), textOf(call));
+        writer.toggle({call.low(0), call.high(0), call.low(1), 0}, call.textOptions(),
+                      {font, textOf(call)}, call.highUnsigned(2));
     });
 }
 
 void WidgetCommands::gauge(const Call& call) {
+    const GaugeTicks ticks{call.lowUnsigned(2), call.highUnsigned(2)};
+    const Portion value{call.lowUnsigned(3), call.highUnsigned(3)};
     draw([&](WidgetWriter& writer) {
-        writer.gauge(call.low(0), call.high(0), call.low(1), call.highUnsigned(1),
-                     call.lowUnsigned(2), call.highUnsigned(2), call.lowUnsigned(3),
-                     call.highUnsigned(3));
+        writer.gauge(roundPlaceOf(call), call.highUnsigned(1), ticks, value);
     });
 }
 
 void WidgetCommands::clock(const Call& call) {
+    const TimeOfDay time{call.lowUnsigned(2), call.highUnsigned(2), call.lowUnsigned(3),
+                         call.highUnsigned(3)};
     draw([&](WidgetWriter& writer) {
-        writer.clock(call.low(0), call.high(0), call.low(1), call.highUnsigned(1),
-                     call.lowUnsigned(2), call.highUnsigned(2), call.lowUnsigned(3),
-                     call.highUnsigned(3));
+        writer.clock(roundPlaceOf(call), call.highUnsigned(1), time);
     });
 }
 
 void WidgetCommands::dial(const Call& call) {
     draw([&](WidgetWriter& writer) {
-        writer.dial(call.low(0), call.high(0), call.low(1), call.highUnsigned(1),
-                    call.lowUnsigned(2));
+        writer.dial(roundPlaceOf(call), call.highUnsigned(1), call.lowUnsigned(2));
     });
 }
 

@@ -73,10 +73,10 @@ void Painter::box(const Box& outer, int radius) {
     put(dl::end());
 }
 
-void Painter::disc(Point16 center, int radius) {
-    put(dl::pointSize(static_cast<std::uint32_t>(clampTo(radius, 0, pointSizeLimit))));
+void Painter::disc(const Disc& disc) {
+    put(dl::pointSize(static_cast<std::uint32_t>(clampTo(disc.radius, 0, pointSizeLimit))));
     put(dl::begin(primitive::Points));
-    vertex(center);
+    vertex(disc.center);
     put(dl::end());
 }
 
@@ -103,10 +103,11 @@ void Painter::character(const Font& font, int x, int y, std::uint32_t cell) {
     vertex({x * subpixels, y * subpixels});
 }
 
-void Painter::text(const Font& font, int x, int y, unsigned options, const std::string& text) {
+void Painter::text(const Font& font, const TextPlace& place, const std::string& text) {
     const std::vector<std::string> lines = linesOf(text);
     const int height = static_cast<int>(font.height);
-    if (options & option::centerY) {
+    int y = place.y;
+    if (place.options & option::centerY) {
         y -= height * static_cast<int>(lines.size()) / 2;
     }
     for (std::uint32_t word : font.setup) {
@@ -114,10 +115,10 @@ void Painter::text(const Font& font, int x, int y, unsigned options, const std::
     }
     put(dl::begin(primitive::Bitmaps));
     for (const std::string& line : lines) {
-        int position = x;
-        if (options & option::rightX) {
+        int position = place.x;
+        if (place.options & option::rightX) {
             position -= font.widthOf(line);
-        } else if (options & option::centerX) {
+        } else if (place.options & option::centerX) {
             position -= font.widthOf(line) / 2;
         }
         for (const char c : line) {

@@ -19,7 +19,12 @@ struct Point16 {
     int y = 0;
 };
 
-// A rectangle in 1/16 pixel.
+// All of these in 1/16 pixel.
+struct Disc {
+    Point16 center;
+    int radius = 0;
+};
+
 struct Box {
     int x = 0;
     int y = 0;
@@ -50,6 +55,14 @@ constexpr unsigned noHands = 0x4000; // hours and minutes; a gauge's pointer
 constexpr unsigned noSeconds = 0x8000;
 } // namespace option
 
+// Where text stands: relative to (x, y) in pixels, as CENTERX, CENTERY and RIGHTX among `options`
+// say.
+struct TextPlace {
+    int x = 0;
+    int y = 0;
+    unsigned options = 0;
+};
+
 // Composes shapes from display-list words, between SAVE_CONTEXT and RESTORE_CONTEXT, so that the
 // list's graphics state is the same afterwards as before. What it does not set is the caller's:
 // the colour above all.
@@ -67,10 +80,9 @@ public:
 
     // A filled rectangle with round corners; the radius is cut to what fits.
     void box(const Box& outer, int radius);
-    void disc(Point16 center, int radius);
+    void disc(const Disc& disc);
     void line(Point16 from, Point16 to, int halfWidth);
-    // Text relative to (x, y) in pixels, as CENTERX, CENTERY and RIGHTX among `options` say.
-    void text(const Font& font, int x, int y, unsigned options, const std::string& text);
+    void text(const Font& font, const TextPlace& place, const std::string& text);
 
 private:
     void put(std::uint32_t word) { m_words.push_back(word); }

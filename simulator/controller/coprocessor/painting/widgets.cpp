@@ -32,21 +32,46 @@ std::uint32_t mixed(std::uint32_t from, std::uint32_t to, std::uint32_t part) {
     return result;
 }
 
-// `length` times value / range, at most all of it.
-int share(int length, unsigned value, unsigned range) {
+// Where a hand of some length ends: angle 0 upwards, clockwise.
+Point16 handTip(Point16 center, int length, std::uint32_t angle) {
+    return {center.x + static_cast<int>(roundedQuotient(std::int64_t{length} * sine(angle), 65536)),
+            center.y -
+                static_cast<int>(roundedQuotient(std::int64_t{length} * cosine(angle), 65536))};
+}
+
+Box boxOf(const Place& place) {
+    return Box::ofPixels(place.x, place.y, place.width, place.height);
+}
+
+Disc discOf(const RoundPlace& place) {
+    return {{place.x * subpixels, place.y * subpixels}, place.radius * subpixels};
+}
+
+// A box along whose longer side something moves.
+struct Bar {
+    explicit Bar(const Box& all) : box(all), upright(all.height > all.width) {}
+
+    int length() const { return upright ? box.height : box.width; }
+    int thickness() const { return upright ? box.width : box.height; }
+    Bar inner() const { return Bar(box.inset(thickness() / 8)); }
+    // From `start`, which counts from the left or the top.
+    Box part(int start, int partLength) const {
+        return upright ? Box{box.x, box.y + start, box.width, partLength}
+                       : Box{box.x + start, box.y, partLength, box.height};
+    }
+
+    Box box;
+    bool upright;
+};
+
+} // namespace
+
+int Portion::of(int length) const {
     if (range == 0) {
         return 0;
     }
     return static_cast<int>(std::int64_t{length} * std::min(value, range) / range);
 }
-
-// Where a hand of some length ends: angle 0 upwards, clockwise.
-Point16 handTip(int x, int y, int length, std::uint32_t angle) {
-    return {x + static_cast<int>(roundedQuotient(std::int64_t{length} * sine(angle), 65536)),
-            y - static_cast<int>(roundedQuotient(std::int64_t{length} * cosine(angle), 65536))};
-}
-
-} // namespace
 
 std::string numberText(std::uint32_t number, unsigned options, unsigned base) {
     const bool negative = (options & option::isSigned) && (number & 0x80000000U);
@@ -67,32 +92,31 @@ std::string numberText(std::uint32_t number, unsigned options, unsigned base) {
     return digits;
 }
 
-void WidgetWriter::raised(Painter& painter, const Box& box, int radius, std::uint32_t color,
-                          unsigned options) const {
-    if (!(options & option::flat)) {
-        painter.color(mixed(color, 0, 128));
+void WidgetWriter::raised(Painter& painter, const Box& box, int radius, const Look& look) const {
+    if (!(look.options & option::flat)) {
+        painter.color(mixed(look.color, 0, 128));
         painter.box(box.inset(0, edge, 0, 0), radius);
-        painter.color(mixed(color, m_colors.gradient, 128));
+        painter.color(mixed(look.color, m_colors.gradient, 128));
         painter.box(box.inset(0, 0, 0, edge), radius);
-        painter.color(color);
+        painter.color(look.color);
         painter.box(box.inset(0, edge, 0, edge), radius);
         return;
     }
-    painter.color(color);
+    painter.color(look.color);
     painter.box(box, radius);
 }
 
-void WidgetWriter::roundFace(Painter& painter, int x, int y, int radius, std::uint32_t color,
-                             unsigned options) const {
-    if (!(options & option::flat)) {
-        painter.color(mixed(color, 0, 128));
-        painter.disc({x, y}, radius);
-        painter.color(mixed(color, m_colors.gradient, 128));
-        painter.disc({x, y - edge}, radius - edge);
+void WidgetWriter::roundFace(Painter& painter, const Disc& disc, const Look& look) const {
+    int radius = disc.radius;
+    if (!(look.options & option::flat)) {
+        painter.color(mixed(look.color, 0, 128));
+        painter.disc(disc);
         radius -= edge;
+        painter.color(mixed(look.color, m_colors.gradient, 128));
+        painter.disc({{disc.center.x, disc.center.y - edge}, radius});
     }
-    painter.color(color);
-    painter.disc({x, y}, radius);
+    painter.color(look.color);
+    painter.disc({disc.center, radius});
 }
 
 // A hollow for something to move in.
@@ -109,186 +133,189 @@ void WidgetWriter::groove(Painter& painter, const Box& box, unsigned options) co
     painter.box(box, radius);
 }
 
-void WidgetWriter::text(const Font& font, int x, int y, unsigned options, const std::string& text) {
-    painter().text(font, x, y, options, text);
+void WidgetWriter::text(const TextPlace& place, const Label& label) {
+    painter().text(label.font, place, label.text);
 }
 
-void WidgetWriter::button(const Place& place, const Font& font, unsigned options,
-                          const std::string& label) {
+void WidgetWriter::button(const Place& place, unsigned options, const Label& label) {
     {
         Painter face = painter();
-        const Box box = Box::ofPixels(place.x, place.y, place.width, place.height);
-        raised(face, box, cornerRadius(box), m_colors.foreground, options);
+        const Box box = boxOf(place);
+        raised(face, box, cornerRadius(box), {m_colors.foreground, options});
     }
-    if (!label.empty()) {
-        painter().text(font, place.x + place.width / 2, place.y + place.height / 2, option::center,
-                       label);
+    if (!label.text.empty()) {
+        text({place.x + place.width / 2, place.y + place.height / 2, option::center}, label);
     }
 }
 
-void WidgetWriter::keys(const Place& place, const Font& font, unsigned options,
-                        const std::string& labels) {
-    const auto count = static_cast<int>(labels.size());
+void WidgetWriter::keys(const Place& place, unsigned options, const Label& labels) {
+    const auto count = static_cast<int>(labels.text.size());
     const auto left = [&](int key) {
         return place.x + static_cast<int>(std::int64_t{place.width + keyGap} * key / count);
     };
     {
         Painter faces = painter();
         for (int i = 0; i < count; ++i) {
-            const auto code = static_cast<unsigned char>(labels[static_cast<std::size_t>(i)]);
+            const auto code = static_cast<unsigned char>(labels.text[static_cast<std::size_t>(i)]);
             const bool pressed = code == (options & 0xFFU);
             const Box box =
                 Box::ofPixels(left(i), place.y, left(i + 1) - keyGap - left(i), place.height);
             faces.tag(code);
             raised(faces, box, cornerRadius(box),
-                   pressed ? m_colors.background : m_colors.foreground,
-                   pressed ? options | option::flat : options);
+                   pressed ? Look{m_colors.background, options | option::flat}
+                           : Look{m_colors.foreground, options});
         }
     }
     Painter texts = painter();
     for (int i = 0; i < count; ++i) {
-        const char label = labels[static_cast<std::size_t>(i)];
+        const char label = labels.text[static_cast<std::size_t>(i)];
         texts.tag(static_cast<unsigned char>(label));
-        texts.text(font, (left(i) + left(i + 1) - keyGap) / 2, place.y + place.height / 2,
-                   option::center, std::string(1, label));
+        texts.text(
+            labels.font,
+            {(left(i) + left(i + 1) - keyGap) / 2, place.y + place.height / 2, option::center},
+            std::string(1, label));
     }
 }
 
-void WidgetWriter::progress(const Place& place, unsigned options, unsigned value, unsigned range) {
-    Painter bar = painter();
-    const Box box = Box::ofPixels(place.x, place.y, place.width, place.height);
-    groove(bar, box, options);
-    const bool upright = box.height > box.width;
-    const int thickness = upright ? box.width : box.height;
-    const Box inner = box.inset(thickness / 8);
-    // From a round dot at 0 to the full length.
-    const int width = upright ? inner.width : inner.height;
-    const int length = width + share((upright ? inner.height : inner.width) - width, value, range);
-    bar.color(m_colors.foreground);
-    bar.box(upright ? inner.inset(0, inner.height - length, 0, 0)
-                    : inner.inset(0, 0, inner.width - length, 0),
-            width / 2);
+void WidgetWriter::progress(const Place& place, unsigned options, const Portion& done) {
+    Painter painting = painter();
+    const Bar all(boxOf(place));
+    groove(painting, all.box, options);
+    const Bar inner = all.inner();
+    // From a round dot at 0 to the full length; what stands is filled from below.
+    const int width = inner.thickness();
+    const int length = width + done.of(inner.length() - width);
+    painting.color(m_colors.foreground);
+    painting.box(inner.part(inner.upright ? inner.length() - length : 0, length), width / 2);
 }
 
-void WidgetWriter::slider(const Place& place, unsigned options, unsigned value, unsigned range) {
-    Painter bar = painter();
-    const Box box = Box::ofPixels(place.x, place.y, place.width, place.height);
-    groove(bar, box, options);
-    const bool upright = box.height > box.width;
-    const int thickness = upright ? box.width : box.height;
-    const int travel = upright ? box.height : box.width;
-    const int at = share(travel, value, range);
+void WidgetWriter::slider(const Place& place, unsigned options, const Portion& position) {
+    Painter painting = painter();
+    const Bar bar(boxOf(place));
+    groove(painting, bar.box, options);
+    const int at = position.of(bar.length());
+    const int half = bar.thickness() / 2;
     // What has been passed, in the foreground colour, then the knob.
-    bar.color(m_colors.foreground);
-    bar.box(upright ? box.inset(0, 0, 0, travel - at) : box.inset(0, 0, travel - at, 0),
-            thickness / 2);
-    const int x = upright ? box.x + thickness / 2 : box.x + at;
-    const int y = upright ? box.y + at : box.y + thickness / 2;
-    roundFace(bar, x, y, thickness, mixed(m_colors.foreground, white, 64), options);
+    painting.color(m_colors.foreground);
+    painting.box(bar.part(0, at), half);
+    const Point16 knob = bar.upright ? Point16{bar.box.x + half, bar.box.y + at}
+                                     : Point16{bar.box.x + at, bar.box.y + half};
+    roundFace(painting, {knob, bar.thickness()}, {mixed(m_colors.foreground, white, 64), options});
 }
 
-void WidgetWriter::scrollbar(const Place& place, unsigned options, unsigned value, unsigned size,
-                             unsigned range) {
-    Painter bar = painter();
-    const Box box = Box::ofPixels(place.x, place.y, place.width, place.height);
-    groove(bar, box, options);
-    const bool upright = box.height > box.width;
-    const int thickness = upright ? box.width : box.height;
-    const Box inner = box.inset(thickness / 8);
-    const int travel = upright ? inner.height : inner.width;
-    const int shortest = upright ? inner.width : inner.height;
-    const int length = std::min(travel, std::max(shortest, share(travel, size, range)));
-    const int start = std::min(travel - length, share(travel, value, range));
-    const int rest = travel - length - start;
-    raised(bar, upright ? inner.inset(0, start, 0, rest) : inner.inset(start, 0, rest, 0),
-           shortest / 2, m_colors.foreground, options);
+void WidgetWriter::scrollbar(const Place& place, unsigned options, const Portion& start,
+                             unsigned size) {
+    Painter painting = painter();
+    const Bar all(boxOf(place));
+    groove(painting, all.box, options);
+    const Bar inner = all.inner();
+    const int travel = inner.length();
+    const int shortest = inner.thickness();
+    const int length = std::min(travel, std::max(shortest, Portion{size, start.range}.of(travel)));
+    raised(painting, inner.part(std::min(travel - length, start.of(travel)), length), shortest / 2,
+           {m_colors.foreground, options});
 }
 
-void WidgetWriter::toggle(int x, int y, int width, const Font& font, unsigned options,
-                          unsigned state, const std::string& labels) {
-    const auto height = static_cast<int>(font.height);
+void WidgetWriter::toggle(const Place& place, unsigned options, const Label& labels,
+                          unsigned state) {
+    const auto height = static_cast<int>(labels.font.height);
     const int knob = height / 2 + 2; // pixels
-    const std::size_t split = labels.find('\xFF');
-    const std::string off = labels.substr(0, split);
-    const std::string on = split == std::string::npos ? off : labels.substr(split + 1);
-    const int at = share(width, state, 0xFFFF);
+    const std::size_t split = labels.text.find('\xFF');
+    const std::string off = labels.text.substr(0, split);
+    const std::string on = split == std::string::npos ? off : labels.text.substr(split + 1);
+    const int at = Portion{state, 0xFFFF}.of(place.width);
     {
         Painter bar = painter();
-        const Box box = Box::ofPixels(x - knob, y - 2, width + 2 * knob, height + 4);
-        groove(bar, box, options);
+        groove(bar, Box::ofPixels(place.x - knob, place.y - 2, place.width + 2 * knob, height + 4),
+               options);
     }
-    if (at < width / 2) {
-        painter().text(font, x + knob + width / 2, y + height / 2, option::center, off);
-    } else {
-        painter().text(font, x - knob + width / 2, y + height / 2, option::center, on);
-    }
+    const bool isOff = at < place.width / 2;
+    const int middle = place.x + (isOff ? knob : -knob) + place.width / 2;
+    text({middle, place.y + height / 2, option::center}, {labels.font, isOff ? off : on});
     Painter top = painter();
-    roundFace(top, (x + at) * subpixels, y * subpixels + height * subpixels / 2, knob * subpixels,
-              m_colors.foreground, options);
+    roundFace(top,
+              {{(place.x + at) * subpixels, place.y * subpixels + height * subpixels / 2},
+               knob * subpixels},
+              {m_colors.foreground, options});
 }
 
-void WidgetWriter::gauge(int x, int y, int radius, unsigned options, unsigned major, unsigned minor,
-                         unsigned value, unsigned range) {
-    // Three quarters of a turn, open below.
-    constexpr std::uint32_t first = turn * 5 / 8;
-    constexpr std::uint32_t sweep = turn * 3 / 4;
+namespace {
+
+// A gauge's scale: three quarters of a turn, open below.
+constexpr std::uint32_t gaugeStart = turn * 5 / 8;
+constexpr std::uint32_t gaugeSweep = turn * 3 / 4;
+
+int gaugeHalfWidth(const Disc& disc) {
+    return std::max(disc.radius / 128, subpixels / 2);
+}
+
+} // namespace
+
+void WidgetWriter::gaugeTicks(Painter& face, const Disc& disc, const GaugeTicks& ticks) const {
     constexpr unsigned mostTicks = 1000;
-    const int cx = x * subpixels;
-    const int cy = y * subpixels;
-    const int r = radius * subpixels;
+    const int r = disc.radius;
+    const unsigned minors = std::max(ticks.minor, 1U);
+    const unsigned majors = clampTo(ticks.major, 1U, mostTicks);
+    const unsigned count = std::min(majors * minors, mostTicks);
+    face.color(white);
+    for (unsigned i = 0; i <= count; ++i) {
+        const std::uint32_t angle = gaugeStart + gaugeSweep * i / count;
+        const bool isMajor = i % minors == 0;
+        const Point16 outer = handTip(disc.center, r * 14 / 16, angle);
+        const Point16 inner = handTip(disc.center, isMajor ? r * 12 / 16 : r * 13 / 16, angle);
+        face.line(inner, outer, isMajor ? gaugeHalfWidth(disc) * 2 : gaugeHalfWidth(disc));
+    }
+}
+
+void WidgetWriter::gaugeHand(Painter& face, const Disc& disc, const Portion& value) const {
+    const std::uint32_t angle =
+        gaugeStart + static_cast<std::uint32_t>(value.of(static_cast<int>(gaugeSweep)));
+    face.color(mixed(m_colors.foreground, white, 64));
+    face.line(disc.center, handTip(disc.center, disc.radius * 13 / 16, angle),
+              gaugeHalfWidth(disc) * 2);
+    face.disc({disc.center, disc.radius / 10});
+}
+
+void WidgetWriter::gauge(const RoundPlace& place, unsigned options, const GaugeTicks& ticks,
+                         const Portion& value) {
+    const Disc disc = discOf(place);
     Painter face = painter();
     if (!(options & option::noBack)) {
-        roundFace(face, cx, cy, r, m_colors.background, options);
+        roundFace(face, disc, {m_colors.background, options});
     }
-    const int halfWidth = std::max(r / 128, subpixels / 2);
-    const unsigned majors = clampTo(major, 1U, mostTicks);
-    const unsigned ticks = std::min(majors * std::max(minor, 1U), mostTicks);
-    if (!(options & option::noTicks) && major != 0) {
-        face.color(white);
-        for (unsigned i = 0; i <= ticks; ++i) {
-            const std::uint32_t angle = first + sweep * i / ticks;
-            const bool isMajor = i % std::max(minor, 1U) == 0;
-            const Point16 outer = handTip(cx, cy, r * 14 / 16, angle);
-            const Point16 inner = handTip(cx, cy, isMajor ? r * 12 / 16 : r * 13 / 16, angle);
-            face.line(inner, outer, isMajor ? halfWidth * 2 : halfWidth);
-        }
+    if (!(options & option::noTicks) && ticks.major != 0) {
+        gaugeTicks(face, disc, ticks);
     }
     if (!(options & option::noHands)) {
-        const std::uint32_t angle =
-            first + static_cast<std::uint32_t>(share(static_cast<int>(sweep), value, range));
-        const Point16 tip = handTip(cx, cy, r * 13 / 16, angle);
-        face.color(mixed(m_colors.foreground, white, 64));
-        face.line({cx, cy}, tip, halfWidth * 2);
-        face.disc({cx, cy}, r / 10);
+        gaugeHand(face, disc, value);
     }
 }
 
-void WidgetWriter::clock(int x, int y, int radius, unsigned options, unsigned hours,
-                         unsigned minutes, unsigned seconds, unsigned milliseconds) {
-    const int cx = x * subpixels;
-    const int cy = y * subpixels;
-    const int r = radius * subpixels;
+void WidgetWriter::clock(const RoundPlace& place, unsigned options, const TimeOfDay& time) {
+    const Disc disc = discOf(place);
+    const int r = disc.radius;
     Painter face = painter();
     if (!(options & option::noBack)) {
-        roundFace(face, cx, cy, r, m_colors.background, options);
+        roundFace(face, disc, {m_colors.background, options});
     }
     face.color(white);
     if (!(options & option::noTicks)) {
         for (std::uint32_t i = 0; i < 12; ++i) {
-            const Point16 outer = handTip(cx, cy, r * 14 / 16, i * turn / 12);
-            const Point16 inner = handTip(cx, cy, r * 12 / 16, i * turn / 12);
-            face.line(inner, outer, std::max(r / 64, subpixels / 2));
+            face.line(handTip(disc.center, r * 12 / 16, i * turn / 12),
+                      handTip(disc.center, r * 14 / 16, i * turn / 12),
+                      std::max(r / 64, subpixels / 2));
         }
     }
     const std::uint64_t ms =
-        ((std::uint64_t{hours} * 60 + minutes) * 60 + seconds) * 1000 + milliseconds;
+        ((std::uint64_t{time.hours} * 60 + time.minutes) * 60 + time.seconds) * 1000 +
+        time.milliseconds;
     const auto angle = [ms](std::uint64_t period) {
         return static_cast<std::uint32_t>(ms % period * turn / period);
     };
     constexpr std::uint64_t minute = 60'000;
     const auto hand = [&](int length, std::uint32_t direction, int halfWidth) {
-        const Point16 tip = handTip(cx, cy, length, direction);
-        face.line({cx, cy}, tip, std::max(halfWidth, subpixels / 2));
+        face.line(disc.center, handTip(disc.center, length, direction),
+                  std::max(halfWidth, subpixels / 2));
     };
     if (!(options & option::noHands)) {
         hand(r / 2, angle(minute * 60 * 12), r / 24);
@@ -300,17 +327,15 @@ void WidgetWriter::clock(int x, int y, int radius, unsigned options, unsigned ho
     }
 }
 
-void WidgetWriter::dial(int x, int y, int radius, unsigned options, unsigned value) {
-    const int cx = x * subpixels;
-    const int cy = y * subpixels;
-    const int r = radius * subpixels;
+void WidgetWriter::dial(const RoundPlace& place, unsigned options, unsigned value) {
+    const Disc disc = discOf(place);
+    const int r = disc.radius;
     Painter face = painter();
-    roundFace(face, cx, cy, r, m_colors.foreground, options);
+    roundFace(face, disc, {m_colors.foreground, options});
     const std::uint32_t angle = turn / 2 + (value & 0xFFFFU);
-    const Point16 inner = handTip(cx, cy, r * 9 / 16, angle);
-    const Point16 outer = handTip(cx, cy, r * 13 / 16, angle);
     face.color(white);
-    face.line(inner, outer, std::max(r / 16, subpixels / 2));
+    face.line(handTip(disc.center, r * 9 / 16, angle), handTip(disc.center, r * 13 / 16, angle),
+              std::max(r / 16, subpixels / 2));
 }
 
 } // namespace controller
