@@ -6,8 +6,10 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <linux/spi/spidev.h>
+#include <unistd.h>
 #include <vector>
 
 using testing::ElementsAre;
@@ -107,6 +109,21 @@ TEST_F(SpiDeviceTest, SettersBeforeOpenOnlyStore) {
     EXPECT_EQ(device.mode(), 3U);
     EXPECT_EQ(device.bitsPerWord(), 16U);
     EXPECT_EQ(device.speed(), 1000000U);
+    EXPECT_THAT(driver.requests, IsEmpty());
+}
+
+// A file descriptor is a small number; none of them is the device's before it is open.
+TEST_F(SpiDeviceTest, SettersBeforeOpenAskNoDescriptorThatHappensToBeOpen) {
+    const int standardOutput = dup(STDOUT_FILENO);
+    ::close(STDOUT_FILENO);
+    const int node = ::open("/dev/spidev2.0", O_RDWR); // the lowest that is free
+    device.setMode(3);
+    device.setBitsPerWord(16);
+    device.setSpeed(1000000);
+    ::close(node);
+    dup2(standardOutput, STDOUT_FILENO);
+    ::close(standardOutput);
+    ASSERT_EQ(node, STDOUT_FILENO);
     EXPECT_THAT(driver.requests, IsEmpty());
 }
 
