@@ -52,12 +52,12 @@ everyday() {
 
 slow() {
     stage "Build, all of it" build release all
+    stage "Soak" --beside --needs "Build, all of it" tests/soak/run.sh "$soak_time"
     stage "Unit tests, release" --needs "Build, all of it" \
         --results build/release/test-results ctest --preset release-unit --parallel "$unit_jobs"
     stage "Static analysis" packaging/check-analysis.sh --all
     stage "Coverage" packaging/coverage.sh
     stage "Fuzzing" tests/fuzz/run.sh "$fuzz_seconds"
-    stage "Soak" --needs "Build, all of it" tests/soak/run.sh "$soak_time"
     stage "Packages" tests/packages/check.sh
 }
 
