@@ -5,10 +5,11 @@
 // and may own one testbed at a time. What a process leaves that is killed, the next testbed of the
 // same user clears away.
 
+#include "board.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,12 +17,6 @@
 namespace board {
 
 class OwnersMark;
-
-// The board cannot be built; what() names the thing and the mend.
-class BoardError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 // A stretch of the memory of the program that waits in an ioctl. Valid until the ioctl is answered.
 // What cannot be read or written there throws std::runtime_error.

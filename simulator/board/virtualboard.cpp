@@ -1,6 +1,8 @@
 #include "virtualboard.h"
 
 #include "levelqueue.h"
+#include "testbed.h"
+#include "wakeup.h"
 
 #include <array>
 #include <cerrno>
@@ -8,7 +10,6 @@
 #include <linux/spi/spidev.h>
 #include <mutex>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <system_error>
@@ -39,25 +40,6 @@ constexpr int quietMs = 4;
 std::string linePath(int number, const char* file) {
     return gpioDirectory + ("gpio" + std::to_string(number) + "/" + file);
 }
-
-// Wakes a thread that polls.
-class WakeUp {
-public:
-    WakeUp() : m_event(eventfd(0, EFD_CLOEXEC)) {
-        if (m_event < 0) {
-            throw BoardError("cannot make an eventfd: " + std::generic_category().message(errno));
-        }
-    }
-    WakeUp(const WakeUp&) = delete;
-    WakeUp& operator=(const WakeUp&) = delete;
-    ~WakeUp() { close(m_event); }
-
-    int fileDescriptor() const { return m_event; }
-    void wake() const { eventfd_write(m_event, 1); }
-
-private:
-    int m_event;
-};
 
 // The preloaded library sleeps for zero seconds after each ioctl, which takes as long as the timer
 // slack of its thread: 50 us by default, about a third of an SPI message. Programs inherit it from

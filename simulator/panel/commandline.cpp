@@ -32,6 +32,12 @@ struct Options {
                                   QStringLiteral("Generation of the display controller: 1, 2 or 3 "
                                                  "(default 3)."),
                                   QStringLiteral("N"), QStringLiteral("3")};
+    QCommandLineOption boardDevice{
+        QStringLiteral("board"),
+        QStringLiteral("Instead of showing the application a board, stand at the other end of the "
+                       "one that this machine's kernel has: DEVICE is that of the module "
+                       "panelboard, /dev/panelboard."),
+        QStringLiteral("DEVICE")};
     QCommandLineOption boardFault{
         QStringLiteral("board-fault"),
         QStringLiteral("Build the board with a fault: no-spi-node, no-gpio-export or "
@@ -80,9 +86,10 @@ struct Options {
                                                  "requests and the application's memory.")};
 
     QList<QCommandLineOption> all() const {
-        return {help,      version,           app,     noApp,    generation, boardFault,
-                noServer,  answersEverything, seed,    headless, zoom,       script,
-                timeLimit, screenshots,       compare, renew,    trace,      statistics};
+        return {
+            help,        version,           app,   noApp,    generation, boardDevice, boardFault,
+            noServer,    answersEverything, seed,  headless, zoom,       script,      timeLimit,
+            screenshots, compare,           renew, trace,    statistics};
     }
 };
 
@@ -148,7 +155,12 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     Settings& settings = commandLine.settings;
     settings.generation =
         static_cast<controller::Generation>(reader.number(options.generation, 1, 3) - 1);
+    settings.boardDevice = parser.value(options.boardDevice);
     reader.boardFault(options.boardFault, settings.board);
+    if (parser.isSet(options.boardDevice) && parser.isSet(options.boardFault)) {
+        reader.fail(QStringLiteral("--board-fault is for boards of panelsim's own, not for the "
+                                   "kernel's (--board)"));
+    }
     settings.application = parser.isSet(options.app) ? parser.value(options.app)
                                                      : directory + QStringLiteral("/frontpanel");
     settings.startApplication = !parser.isSet(options.noApp);

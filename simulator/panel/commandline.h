@@ -15,6 +15,7 @@ namespace panel {
 struct Settings {
     controller::Generation generation = controller::Generation::E3;
     board::Options board;
+    QString boardDevice; // of the kernel's board; empty: umockdev shows one
     QString application; // path of the program
     bool startApplication = true;
     bool quietApplication = false; // what it writes is not passed on, nor how to start it by hand

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "board.h"
 #include "controller.h"
 #include "fairmutex.h"
 #include "registers.h"
-#include "virtualboard.h"
 
 #include <chrono>
 #include <mutex>

@@ -66,7 +66,7 @@ QString findEmulator(const Processor& processor) {
 QString findLibrary(const QString& name, const Processor& processor, const QString& program) {
     for (const QString& directory :
          {QFileInfo(program).absolutePath(), QString::fromLatin1(processor.libraries)}) {
-        const QString path = directory + QLatin1Char('/') + name;
+        QString path = directory + QLatin1Char('/') + name;
         if (machineOf(path) == processor.machine) {
             return path;
         }

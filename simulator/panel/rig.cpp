@@ -1,5 +1,8 @@
 #include "rig.h"
 
+#include "kernelboard.h"
+#include "virtualboard.h"
+
 #include <cstdio>
 
 namespace panel {
@@ -78,7 +81,12 @@ Rig::Failure Rig::startTrace() {
 
 Rig::Failure Rig::startBoard() {
     try {
-        m_board = std::make_unique<board::VirtualBoard>(m_module, m_settings.board);
+        if (m_settings.boardDevice.isEmpty()) {
+            m_board = std::make_unique<board::VirtualBoard>(m_module, m_settings.board);
+        } else {
+            m_board = std::make_unique<board::KernelBoard>(m_module,
+                                                           m_settings.boardDevice.toStdString());
+        }
     } catch (const board::BoardError& error) {
         return {ExitStatus::BoardFailed, QString::fromLocal8Bit(error.what())};
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "application.h"
+#include "board.h"
 #include "bustrace.h"
 #include "commandline.h"
 #include "complaints.h"
@@ -10,7 +11,6 @@
 #include "pictures.h"
 #include "requestlog.h"
 #include "serverthread.h"
-#include "virtualboard.h"
 
 #include <QObject>
 #include <QTimer>
@@ -39,7 +39,7 @@ public:
     Failure start();
 
     DisplayModule& module() { return m_module; }
-    board::VirtualBoard& board() { return *m_board; }
+    board::Board& board() { return *m_board; }
     Application& application() { return *m_application; }
     ServerThread& server() { return m_server; }
     Complaints& complaints() { return m_complaints; }
@@ -65,7 +65,7 @@ private:
     Complaints m_complaints;
     std::unique_ptr<BusTrace> m_trace;
     DisplayModule m_module;
-    std::unique_ptr<board::VirtualBoard> m_board;
+    std::unique_ptr<board::Board> m_board;
     std::unique_ptr<Application> m_application;
     ServerThread m_server;
     RequestLog m_requests;

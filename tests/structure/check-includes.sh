@@ -39,7 +39,8 @@ $p/animations           $c/base $c/words $c/memory $c/touch $p/machine $p/painti
 $p/commands             $c/base $c/words $c/memory $c/flash $c/rom $p/machine $p/painting $p/unpacking $p/animations
 $p                      $c/base $c/words $c/memory $c/flash $c/text $p/machine $p/painting $p/commands
 $c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $p $p/machine
-simulator/board
+simulator/board         simulator/board/module
+simulator/board/module
 simulator/server        Qt
 simulator/panel         Qt $c $c/base $c/words $c/memory $c/text simulator/board simulator/server
 "

@@ -36,6 +36,12 @@ TEST(CommandLine, HasDefaultsForEverything) {
     EXPECT_EQ(settings.screenshots, ".");
     EXPECT_EQ(settings.stored, "");
     EXPECT_TRUE(settings.board.spiNode);
+    EXPECT_EQ(settings.boardDevice, "");
+}
+
+TEST(CommandLine, TakesTheKernelsBoardInsteadOfOneWithAFault) {
+    EXPECT_EQ(settingsOf({"--board", "/dev/panelboard"}).boardDevice, "/dev/panelboard");
+    EXPECT_NE(errorOf({"--board", "/dev/panelboard", "--board-fault", "no-spi-node"}), "");
 }
 
 TEST(CommandLine, TakesEveryOption) {
