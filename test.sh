@@ -4,7 +4,7 @@
 #   ./test.sh              style, unit tests under the sanitizers, the shipped program on the virtual
 #                          instrument: minutes, from a fresh clone
 #   ./test.sh --all        also what is slow: unit tests on the release build, static analysis,
-#                          coverage, fuzzing, soak, the program for an ARM board
+#                          coverage, fuzzing, soak, the program for an ARM board and on a real kernel
 #   ./test.sh --coverage   what the tests cover, as a report below build/coverage, and nothing else
 #
 # Ends with a table of what was run, and with status 0 only if nothing failed. What could not be run
@@ -80,6 +80,8 @@ board() {
     stage "System tests, ARM" --needs "Build, ARM" \
         --ctest build/test-logs/system-arm64.xml ctest --preset arm64-system --parallel 2 \
         --output-junit "$PWD/build/test-logs/system-arm64.xml"
+    stage "Emulated board" --needs "Build, as shipped" --ctest build/board/amd64/results.xml \
+        tests/board/boot.sh amd64 startup counter-run tour
 }
 
 coverage_alone() {

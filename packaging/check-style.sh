@@ -7,13 +7,15 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t scripts < <(git ls-files '*.sh' '.ci/run' 'packaging/board/prepare-board')
+mapfile -t scripts < <(
+    git ls-files '*.sh' '.ci/run' 'packaging/board/prepare-board' 'tests/board/init'
+)
 if [ "${1:-}" = --scripts ]; then
     printf '%s\n' "${scripts[@]}"
     exit
 fi
 
-mapfile -t sources < <(git ls-files '*.cpp' '*.h')
+mapfile -t sources < <(git ls-files '*.c' '*.cpp' '*.h')
 clang-format --dry-run --Werror "${sources[@]}"
 
 shellcheck "${scripts[@]}"
