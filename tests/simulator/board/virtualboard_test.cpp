@@ -7,9 +7,11 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 namespace {
 
@@ -140,11 +142,17 @@ TEST_F(VirtualBoardTest, CanBeBuiltAgain) {
 
 // Faults
 
+// The message, a line that begins with the file and the reason, and failure.
+auto endedBecauseOf(const std::string& message, const std::string& reason) {
+    return AllOf(StartsWith(message + '\n' + reason), EndsWith("\nstatus 1"));
+}
+
 TEST_F(VirtualBoardTest, WithoutASpiNodeTheProgramEnds) {
     board::Options options;
     options.spiNode = false;
     build(options);
-    EXPECT_EQ(run({"init", "open"}), "can't open device\nstatus 1");
+    EXPECT_THAT(run({"init", "open"}),
+                endedBecauseOf("can't open device", "/dev/spidev2.0: No such file or directory"));
     EXPECT_FALSE(std::filesystem::exists(virtualBoard().root() + "/dev/spidev2.0"));
 }
 
@@ -152,14 +160,17 @@ TEST_F(VirtualBoardTest, WithoutGpioExportTheProgramEnds) {
     board::Options options;
     options.gpioExport = false;
     build(options);
-    EXPECT_EQ(run({"init"}), "Can't open /sys/class/gpio/export file\nstatus 1");
+    EXPECT_THAT(run({"init"}), endedBecauseOf("Can't open /sys/class/gpio/export file",
+                                              "/sys/class/gpio/export: No such file"));
 }
 
 TEST_F(VirtualBoardTest, WithoutALinesFilesTheProgramEnds) {
     removeFile("/sys/class/gpio/gpio801/direction");
-    EXPECT_EQ(run({"init"}), "Can't open /sys/class/gpio/gpio%1/direction\nstatus 1");
+    EXPECT_THAT(run({"init"}), endedBecauseOf("Can't open /sys/class/gpio/gpio%1/direction",
+                                              "/sys/class/gpio/gpio801/direction: No such file"));
     removeFile("/sys/class/gpio/gpio800/value");
-    EXPECT_EQ(run({"init"}), "Can't open /sys/class/gpio/gpio%1/value\nstatus 1");
+    EXPECT_THAT(run({"init"}), endedBecauseOf("Can't open /sys/class/gpio/gpio%1/value",
+                                              "/sys/class/gpio/gpio800/value: No such file"));
 }
 
 TEST_F(VirtualBoardTest, WithLinesExportedAlreadyTheProgramRuns) {
