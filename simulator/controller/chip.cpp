@@ -229,7 +229,8 @@ void Controller::Chip::setIdentity(std::uint32_t chipId) {
 // --- time
 
 Nanoseconds Controller::Chip::nextEvent() const {
-    return std::min({m_power.nextEvent(), m_timing.frameEnd(), m_lineSwapAt, m_interruptAt});
+    return std::min({m_power.nextEvent(), m_timing.frameEnd(), m_lineSwapAt, m_interruptAt,
+                     coprocessorResumesAt()});
 }
 
 void Controller::Chip::advance(Nanoseconds now) {
@@ -238,9 +239,6 @@ void Controller::Chip::advance(Nanoseconds now) {
         takeEvent();
     }
     m_now = std::max(m_now, now);
-    if (m_coprocessor.hasMore()) {
-        runCoprocessor();
-    }
 }
 
 void Controller::Chip::takeEvent() {
@@ -252,6 +250,8 @@ void Controller::Chip::takeEvent() {
     } else if (m_interruptAt <= m_now) {
         m_interruptAt = never;
         raise(interrupt::command);
+    } else if (coprocessorResumesAt() <= m_now) {
+        runCoprocessor();
     } else {
         frameEnded();
     }

@@ -61,6 +61,7 @@ public:
     void setIdentity(std::uint32_t chipId);
     void setAnswering(bool answering) { m_answering = answering; }
     void setCoprocessorStalled(bool stalled);
+    std::int64_t coprocessorWork() const { return m_coprocessor.workDone(); }
     std::vector<std::uint8_t>& flash() { return m_flash.content(); }
 
 private:
@@ -77,6 +78,7 @@ private:
     void writeRegister(Register id, std::uint32_t value) override;
     void complainOfAccess(const char* what, std::uint32_t address) override;
     // CoprocessorPort
+    Nanoseconds now() const override { return m_now; }
     bool isScanning() const override { return m_timing.isScanning(); }
     bool isSwapPending() const override { return m_registers[Register::DlSwap] != 0; }
     const Frame& frameOnPanel() override { return m_display.frame(); }
@@ -100,6 +102,9 @@ private:
     void swapNow();
     void runCoprocessor();
     bool coprocessorRuns() const { return m_power.enginesRun() && !m_coprocessorStalled; }
+    Nanoseconds coprocessorResumesAt() const {
+        return coprocessorRuns() ? m_coprocessor.resumesAt() : never;
+    }
     void raise(std::uint32_t interruptBits);
 
     Generation m_generation;

@@ -90,6 +90,10 @@ void Controller::setCoprocessorStalled(bool stalled) {
     m_chip->setCoprocessorStalled(stalled);
 }
 
+std::int64_t Controller::coprocessorWork() const {
+    return m_chip->coprocessorWork();
+}
+
 std::vector<std::uint8_t>& Controller::flash() {
     return m_chip->flash();
 }

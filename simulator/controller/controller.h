@@ -94,6 +94,10 @@ public:
     // true: the coprocessor takes no more commands, as if it had hung, until let go.
     void setCoprocessorStalled(bool stalled);
 
+    // What the coprocessor has done since power-on, counted and not timed: a unit is about a
+    // nanosecond of a core of 2 GHz. It does no more than some two million in a millisecond.
+    std::int64_t coprocessorWork() const;
+
     // The flash chip's content (empty without one), for tests and scripts.
     std::vector<std::uint8_t>& flash();
 

@@ -13,8 +13,6 @@ namespace {
 
 // What CMD_READ shows after a fault.
 constexpr std::uint32_t faultMark = 0xFFF;
-// Words taken at a time, so that a program that keeps itself going cannot hold up the world.
-constexpr int wordsPerTurn = 65536;
 constexpr std::uint32_t ringCapacity = ringBytes - 4;
 
 } // namespace
@@ -31,7 +29,6 @@ void Coprocessor::reset() {
 // Everything but what the registers hold.
 void Coprocessor::resetState() {
     m_resetDue = false;
-    m_more = false;
     m_state = Ready{};
     m_machine.list.moved();
     m_commands.reset();
@@ -78,15 +75,18 @@ void Coprocessor::run() {
         return; // a command has moved the ring's pointers
     }
     m_executing = true;
-    int taken = 0;
-    while (taken < wordsPerTurn && step()) {
-        ++taken;
+    m_machine.budget.refill(m_machine.port.now());
+    while (!m_machine.budget.isUsedUp() && step()) {
     }
-    m_more = taken == wordsPerTurn;
     m_executing = false;
     if (m_resetDue) {
         resetState();
     }
+}
+
+Nanoseconds Coprocessor::resumesAt() const {
+    const bool goesOn = m_machine.budget.isUsedUp() && !m_held && !isFaulty() && !isRingEmpty();
+    return goesOn ? m_machine.budget.refilledAt() : never;
 }
 
 // Takes one word if there is one and nothing is waited for.
@@ -99,9 +99,12 @@ bool Coprocessor::step() {
     }
     const std::uint32_t offset = readOffset();
     try {
-        const Progress progress = accept(m_machine.memory.ringWord(offset));
+        const Progress progress = pay(accept(m_machine.memory.ringWord(offset)));
         if (progress == Progress::Waiting) {
             return false;
+        }
+        if (progress == Progress::Working) {
+            return true;
         }
         if (progress == Progress::Done) {
             m_machine.registers.set(Register::CmdRead, (offset + 4) & (ringBytes - 1));
@@ -151,6 +154,7 @@ Progress Coprocessor::read(Reading& reading, std::uint32_t word) {
 Progress Coprocessor::execute(const Call& call) {
     const CommandInfo* command = call.info;
     const std::uint32_t length = command->trailer == Trailer::Bytes ? call[command->lengthWord] : 0;
+    m_machine.budget.spend(WorkBudget::command);
     Outcome outcome = m_commands.execute(call);
     if (Task* task = std::get_if<Task>(&outcome)) {
         return proceed(m_state.emplace<Busy>(Busy{command, std::move(*task)}));
@@ -166,10 +170,22 @@ Progress Coprocessor::execute(const Call& call) {
 
 Progress Coprocessor::proceed(Busy& busy) {
     const Progress progress = busy.task();
-    if (progress != Progress::Waiting) {
+    if (progress == Progress::Done || progress == Progress::Restarted) {
         m_state = Ready{};
     }
     return progress;
+}
+
+// What is done but was more than the slice had left is over when later slices have paid for it.
+Progress Coprocessor::pay(Progress progress) {
+    const std::int64_t counted = m_machine.bus.work() + m_machine.flash.work();
+    m_machine.budget.spend(WorkBudget::ringWord + counted - std::exchange(m_paid, counted));
+    const bool isOver = progress == Progress::Done && std::holds_alternative<Ready>(m_state);
+    if (!isOver || !m_machine.budget.isUsedUp()) {
+        return progress;
+    }
+    m_state = Busy{nullptr, [] { return Progress::Done; }};
+    return Progress::Working;
 }
 
 Progress Coprocessor::take(Taking& taking, std::uint32_t word) {

@@ -16,7 +16,11 @@ namespace controller {
 // Words are taken one by one as they come: a command whose arguments are cut by the end of a burst
 // goes on with the next one, and data may be longer than the ring. REG_CMD_READ stands behind the
 // last word taken, except that a command's last argument counts as taken only when the command is
-// done; so a command that waits keeps the ring from being empty. Commands take no time.
+// done; so a command that waits keeps the ring from being empty.
+//
+// Commands take no time as long as they are little work. Each slice of time has room for a certain
+// amount (workbudget.h); a command that is more keeps the coprocessor busy until later slices have
+// paid for it.
 //
 // An error is a fault, as the chip has it: REG_CMD_READ is 0xFFF, on E3 a text says why, and
 // nothing runs before a reset through REG_CPURESET.
@@ -37,8 +41,10 @@ public:
     // Takes what is in the ring. Must be called when the ring, or what a command waits for, may
     // have changed.
     void run();
-    // Whether words are left although nothing is waited for: a bounded number is taken at a time.
-    bool hasMore() const { return m_more; }
+    // When it goes on by itself with what it had no time for; `never` if there is nothing.
+    Nanoseconds resumesAt() const;
+    // All the work done so far, in the units of WorkBudget.
+    std::int64_t workDone() const { return m_machine.budget.spent(); }
     // A frame has been scanned and a pending swap been made: animations go on.
     void frameEnded();
     // The host has set REG_CMD_DL.
@@ -66,7 +72,7 @@ private:
     struct Reading {
         CallReader reader;
     };
-    struct Busy { // the command's last word is not taken before it is done
+    struct Busy { // the last word is not taken before all is done, and paid for
         const CommandInfo* command;
         Task task;
     };
@@ -85,6 +91,7 @@ private:
     Progress execute(const Call& call);
     Progress proceed(Busy& busy);
     Progress take(Taking& taking, std::uint32_t word);
+    Progress pay(Progress progress);
     void fail(const Fault& reason);
     void resetState();
     bool isRingEmpty() const;
@@ -94,8 +101,8 @@ private:
     Machine m_machine;
     Commands m_commands;
     State m_state;
-    bool m_held = false; // as REG_CPURESET says
-    bool m_more = false;
+    bool m_held = false;     // as REG_CPURESET says
+    std::int64_t m_paid = 0; // of the work that memory and flash count
     // A command or an animation may write to the registers of the ring or to REG_CPURESET; the
     // first is noticed, and the second done, when it has returned.
     bool m_executing = false;

@@ -39,6 +39,7 @@ std::uint8_t SerialFlash::read(std::size_t address) const {
 }
 
 void SerialFlash::program(std::size_t address, std::uint8_t value) {
+    m_work += singleByte;
     if (address < m_content.size()) {
         m_content[address] = static_cast<std::uint8_t>(m_content[address] & value);
     }
@@ -49,6 +50,7 @@ void SerialFlash::erase(std::size_t address, std::size_t count) {
     const std::size_t length = std::min(count, m_content.size() - begin);
     const auto first = m_content.begin() + static_cast<std::ptrdiff_t>(begin);
     std::fill(first, first + static_cast<std::ptrdiff_t>(length), erased);
+    m_work += static_cast<std::int64_t>(length);
     m_sectorsErased += (length + sectorSize - 1) / sectorSize;
 }
 
@@ -56,6 +58,7 @@ void SerialFlash::updateSector(std::size_t address, const std::uint8_t* bytes) {
     if (address >= m_content.size()) {
         return;
     }
+    m_work += sectorSize;
     const std::size_t length = std::min(sectorSize, m_content.size() - address);
     const auto first = m_content.begin() + static_cast<std::ptrdiff_t>(address);
     if (std::equal(bytes, bytes + length, first)) {
@@ -111,6 +114,7 @@ std::uint8_t SerialFlash::exchange(std::uint8_t sent) {
         m_count = 1;
         return erased;
     }
+    m_work += singleByte;
     const std::uint8_t received = answer(sent);
     ++m_count;
     return received;

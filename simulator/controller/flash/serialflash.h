@@ -35,12 +35,17 @@ public:
     // Sectors erased so far, which is what wears the chip.
     std::size_t sectorsErased() const { return m_sectorsErased; }
 
+    // What its operations have cost so far, in bytes erased.
+    std::int64_t work() const { return m_work; }
+
     // Its own SPI: a command begins with the first byte after deselect().
     std::uint8_t exchange(std::uint8_t sent);
     void deselect();
 
 private:
     static constexpr std::uint8_t erased = 0xFF;
+    // What a byte costs that is handled by itself.
+    static constexpr std::int64_t singleByte = 10;
 
     std::uint8_t answer(std::uint8_t sent);
     void takeAddress(std::uint8_t sent);
@@ -48,6 +53,7 @@ private:
 
     std::vector<std::uint8_t> m_content;
     std::size_t m_sectorsErased = 0;
+    std::int64_t m_work = 0;
     bool m_writeEnabled = false;
     // The SPI command under way.
     std::size_t m_count = 0; // its bytes so far

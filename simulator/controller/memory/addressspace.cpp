@@ -1,6 +1,7 @@
 #include "addressspace.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <vector>
 #include <zlib.h>
@@ -125,6 +126,7 @@ std::uint32_t AddressSpace::peek32(std::uint32_t address) const {
 }
 
 std::uint32_t AddressSpace::read32(std::uint32_t address) {
+    m_work += 4 * registerByte;
     std::uint32_t value = 0;
     for (std::uint32_t i = 0; i < 4; ++i) {
         value |= static_cast<std::uint32_t>(read8((address + i) & addressMask)) << 8 * i;
@@ -134,13 +136,14 @@ std::uint32_t AddressSpace::read32(std::uint32_t address) {
 }
 
 void AddressSpace::write32(std::uint32_t address, std::uint32_t value) {
+    m_work += 4 * registerByte;
     for (std::uint32_t i = 0; i < 4; ++i) {
         write8((address + i) & addressMask, static_cast<std::uint8_t>(value >> 8 * i));
     }
     commit();
 }
 
-MemoryMap::Stretch AddressSpace::stretchAt(std::uint32_t address) {
+MemoryMap::Stretch AddressSpace::stretchAt(std::uint32_t address) const {
     MemoryMap::Stretch stretch = m_memory.stretchAt(address);
     const Span registers = m_memory.layout().registers;
     if (address < registers.base) {
@@ -154,10 +157,12 @@ void AddressSpace::writeBytes(std::uint32_t address, const std::uint8_t* bytes, 
         address &= addressMask;
         std::uint32_t length = 1;
         if (isRegister(address)) {
+            m_work += registerByte;
             write8(address, *bytes);
         } else {
             const MemoryMap::Stretch stretch = stretchAt(address);
             length = static_cast<std::uint32_t>(std::min<std::size_t>(count, stretch.length));
+            m_work += length;
             if (stretch.bytes && stretch.writable) {
                 std::memcpy(stretch.bytes, bytes, length);
             }
@@ -176,10 +181,12 @@ void AddressSpace::fill(std::uint32_t address, std::uint8_t value, std::uint32_t
         address &= addressMask;
         std::uint32_t length = 1;
         if (isRegister(address)) {
+            m_work += registerByte;
             write8(address, value);
         } else {
             const MemoryMap::Stretch stretch = stretchAt(address);
             length = std::min(count, stretch.length);
+            m_work += length;
             if (stretch.bytes && stretch.writable) {
                 std::memset(stretch.bytes, value, length);
             }
@@ -194,11 +201,13 @@ void AddressSpace::fill(std::uint32_t address, std::uint8_t value, std::uint32_t
 void AddressSpace::copy(std::uint32_t destination, std::uint32_t source, std::uint32_t count) {
     // Through a buffer, so that overlapping areas come out right.
     count = clampedCount(count);
+    m_work += count;
     std::vector<std::uint8_t> bytes(count);
     for (std::uint32_t done = 0; done < count;) {
         const std::uint32_t address = (source + done) & addressMask;
         std::uint32_t length = 1;
         if (isRegister(address)) {
+            m_work += registerByte;
             bytes[done] = read8(address);
         } else {
             const MemoryMap::Stretch stretch = stretchAt(address);
@@ -213,12 +222,40 @@ void AddressSpace::copy(std::uint32_t destination, std::uint32_t source, std::ui
     writeBytes(destination, bytes.data(), bytes.size());
 }
 
+void AddressSpace::peekBytes(std::uint32_t address, std::uint8_t* bytes, std::size_t count) const {
+    m_work += static_cast<std::int64_t>(count);
+    while (count > 0) {
+        address &= addressMask;
+        std::uint32_t length = 1;
+        if (isRegister(address)) {
+            m_work += registerByte;
+            *bytes = peek8(address);
+        } else {
+            const MemoryMap::Stretch stretch = stretchAt(address);
+            length = static_cast<std::uint32_t>(std::min<std::size_t>(count, stretch.length));
+            if (stretch.bytes) {
+                std::memcpy(bytes, stretch.bytes, length);
+            } else {
+                std::memset(bytes, 0, length);
+            }
+        }
+        address += length;
+        bytes += length;
+        count -= length;
+    }
+}
+
 std::uint32_t AddressSpace::crc32(std::uint32_t address, std::uint32_t count) {
     count = clampedCount(count);
+    m_work += count;
     uLong crc = ::crc32(0, nullptr, 0);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint8_t byte = peek8((address + i) & addressMask);
-        crc = ::crc32(crc, &byte, 1);
+    std::array<std::uint8_t, 4096> piece{};
+    for (std::uint32_t done = 0; done < count;) {
+        const auto length =
+            static_cast<std::uint32_t>(std::min<std::size_t>(count - done, piece.size()));
+        peekBytes((address + done) & addressMask, piece.data(), length);
+        crc = ::crc32(crc, piece.data(), length);
+        done += length;
     }
     return static_cast<std::uint32_t>(crc);
 }

@@ -51,12 +51,20 @@ public:
     void fill(std::uint32_t address, std::uint8_t value, std::uint32_t count);
     void copy(std::uint32_t destination, std::uint32_t source, std::uint32_t count);
     std::uint32_t crc32(std::uint32_t address, std::uint32_t count);
+    // Bytes at `address` and on, without side effects on the chip.
+    void peekBytes(std::uint32_t address, std::uint8_t* bytes, std::size_t count) const;
+
+    // What the whole operations have cost so far, in bytes moved.
+    std::int64_t work() const { return m_work; }
 
 private:
+    // A byte of a register costs as many of memory.
+    static constexpr std::int64_t registerByte = 50;
+
     bool isRegister(std::uint32_t address) const {
         return m_memory.layout().registers.contains(address);
     }
-    MemoryMap::Stretch stretchAt(std::uint32_t address);
+    MemoryMap::Stretch stretchAt(std::uint32_t address) const;
     void commit();
     void complainOnce(std::uint32_t address, const char* what);
 
@@ -69,6 +77,7 @@ private:
     const RegisterInfo* m_pending = nullptr; // the register being written, and its bytes so far
     std::uint32_t m_pendingValue = 0;
     std::set<std::uint32_t> m_reported; // addresses complained about
+    mutable std::int64_t m_work = 0;
 };
 
 } // namespace controller

@@ -106,7 +106,7 @@ void MemoryMap::putChipId(std::uint32_t word) {
     ++m_pictureChanges;
 }
 
-MemoryMap::Stretch MemoryMap::stretchAt(std::uint32_t address) {
+MemoryMap::Stretch MemoryMap::stretchAt(std::uint32_t address) const {
     if (const Region* region = find(address)) {
         return {region->bytes + (address - region->span.base), region->writable,
                 region->span.end() - address};

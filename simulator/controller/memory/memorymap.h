@@ -43,7 +43,7 @@ public:
         bool writable = false;
         std::uint32_t length = 0; // at least 1
     };
-    Stretch stretchAt(std::uint32_t address);
+    Stretch stretchAt(std::uint32_t address) const;
     // To be called by whoever wrote through a Stretch.
     void noteChanges() { ++m_pictureChanges; }
 

@@ -209,17 +209,6 @@ TEST(Coprocessor, CanBeMadeToHang) {
     EXPECT_TRUE(host.ringIsEmpty());
 }
 
-TEST(Coprocessor, AProgramThatKeepsItselfGoingDoesNotHoldUpTheModel) {
-    Host host(Generation::E3);
-    host.boot();
-    // The command sets CMD_READ back to its own start, for ever.
-    host.write32(0, 0x00000FFC);
-    host.write32(4, 0);
-    host.send({cmd::memCpy, 0x3020F8, 4, 4, 0x2D000000, 0x2D000000});
-    host.wait(100 * ms);
-    SUCCEED();
-}
-
 TEST(Coprocessor, TellsWhenTheRingIsEmpty) {
     Host host(Generation::E3);
     host.boot();

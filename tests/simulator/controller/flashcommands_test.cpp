@@ -104,6 +104,7 @@ TEST_F(FlashCommands, WrongPageAlignmentIsAFault) {
 TEST_F(FlashCommands, EraseClearsTheWholeChip) {
     host.send(page(0, 0) + page(3 * megabyte, 0));
     host.send({cmd::flashErase});
+    host.wait(10 * ms);
     EXPECT_TRUE(host.chip.flash() == Bytes(4 * megabyte, 0xFF)); // faster than a matcher
 }
 

@@ -10,6 +10,7 @@ namespace controller {
 
 Overlay::Overlay(Machine& machine, std::shared_ptr<Drawing> drawing)
     : m_machine(machine), m_drawing(std::move(drawing)), m_length(machine.list.length()) {
+    machine.budget.spend(displayListBytes);
     for (std::size_t i = 0; i < m_length; ++i) {
         m_list[i] = machine.memory.listWord(i);
     }

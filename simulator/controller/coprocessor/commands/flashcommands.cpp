@@ -21,6 +21,9 @@ constexpr std::uint32_t full = 3;
 constexpr std::uint32_t fastDone = 0;
 constexpr std::uint32_t fastNotAttached = 0xE001;
 
+// By FLASHERASE.
+constexpr std::size_t erasedAtATime = 1048576;
+
 } // namespace
 
 bool requireAttachedFlash(Machine& machine, const Call& call) {
@@ -72,10 +75,15 @@ void FlashCommands::fast(const Call& call) {
     call.putResult(m_machine.memory, 0, attached ? fastDone : fastNotAttached);
 }
 
-void FlashCommands::erase(const Call& call) {
-    if (requireAttachedFlash(m_machine, call)) {
-        m_machine.flash.erase(0, m_machine.flash.size());
+Outcome FlashCommands::erase(const Call& call) {
+    if (!requireAttachedFlash(m_machine, call)) {
+        return Progress::Done;
     }
+    return [this, address = std::size_t{0}]() mutable {
+        m_machine.flash.erase(address, erasedAtATime);
+        address += erasedAtATime;
+        return address < m_machine.flash.size() ? Progress::Working : Progress::Done;
+    };
 }
 
 Outcome FlashCommands::write(const Call& call) {
@@ -117,9 +125,7 @@ void FlashCommands::update(const Call& call) {
     const std::uint32_t count = std::min(call[2], addressMask + 1);
     std::array<std::uint8_t, SerialFlash::sectorSize> sector{};
     for (std::uint32_t done = 0; done < count; done += SerialFlash::sectorSize) {
-        for (std::uint32_t i = 0; i < sector.size(); ++i) {
-            sector[i] = m_machine.bus.peek8((call[1] + done + i) & addressMask);
-        }
+        m_machine.bus.peekBytes((call[1] + done) & addressMask, sector.data(), sector.size());
         m_machine.flash.updateSector(std::size_t{call[0]} + done, sector.data());
     }
 }

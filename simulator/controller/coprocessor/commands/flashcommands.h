@@ -21,7 +21,7 @@ private:
     void attach(const Call& call);
     void detach(const Call& call);
     void fast(const Call& call);
-    void erase(const Call& call);
+    Outcome erase(const Call& call);
     Outcome write(const Call& call);
     void read(const Call& call);
     void update(const Call& call);

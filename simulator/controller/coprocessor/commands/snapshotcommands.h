@@ -24,7 +24,7 @@ private:
 
     void snapshot(const Call& call);
     void snapshot2(const Call& call);
-    void store(std::uint32_t format, std::uint32_t destination, const Part& part);
+    void store(const Call& call, std::uint32_t format, std::uint32_t destination, const Part& part);
 
     Machine& m_machine;
 };

@@ -5,6 +5,7 @@
 #include "imageend.h"
 #include "inflater.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -14,6 +15,12 @@ namespace {
 
 constexpr std::uint32_t optionMediaFifo = 0x10;
 constexpr std::uint32_t optionFlash = 0x40;
+
+// Bytes of flash that are read at a time.
+constexpr std::size_t flashPiece = 4096;
+// What beginning to unpack costs, and each byte that comes of it besides being moved.
+constexpr std::int64_t inflaterWork = 16'000;
+constexpr std::int64_t inflatedByte = 3;
 
 } // namespace
 
@@ -44,8 +51,10 @@ void StreamCommands::flashSource(const Call& call) {
 
 DataSink StreamCommands::inflateSink(std::uint32_t destination) {
     m_pointer = destination;
+    m_machine.budget.spend(inflaterWork);
     auto inflater =
         std::make_shared<Inflater>([this](const std::uint8_t* bytes, std::size_t count) {
+            m_machine.budget.spend(inflatedByte * static_cast<std::int64_t>(count));
             m_machine.bus.writeBytes(m_pointer, bytes, count);
             m_pointer = (m_pointer + static_cast<std::uint32_t>(count)) & addressMask;
         });
@@ -74,13 +83,20 @@ Outcome StreamCommands::inflate2(const Call& call) {
     if (!requireAttachedFlash(m_machine, call)) {
         return Progress::Done;
     }
-    for (std::size_t address = m_flashSource; address < m_machine.flash.size(); ++address) {
-        const std::uint8_t byte = m_machine.flash.read(address);
-        if (sink(&byte, 1)) {
-            return Progress::Done;
+    return [this, sink, address = std::size_t{m_flashSource}]() mutable {
+        const std::size_t end = std::min(address + flashPiece, m_machine.flash.size());
+        for (; address < end; ++address) {
+            const std::uint8_t byte = m_machine.flash.read(address);
+            if (sink(&byte, 1)) {
+                return Progress::Done;
+            }
         }
-    }
-    fault("zlib stream runs beyond the flash");
+        if (address >= m_machine.flash.size()) {
+            fault("zlib stream runs beyond the flash");
+        }
+        m_machine.budget.spend(flashPiece);
+        return Progress::Working;
+    };
 }
 
 // Images and video are taken from the ring, not unpacked.

@@ -13,6 +13,7 @@ void ListWriter::put(std::uint32_t word) {
     if (index >= displayListWords) {
         fault("display list overflow");
     }
+    m_budget.spend(WorkBudget::listWord);
     m_memory.setListWord(index, word);
     m_full = index + 1 == displayListWords;
     m_registers.set(Register::CmdDl,

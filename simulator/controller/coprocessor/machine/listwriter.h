@@ -2,6 +2,7 @@
 
 #include "memorymap.h"
 #include "registers.h"
+#include "workbudget.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +16,8 @@ namespace controller {
 // as it does at its start; which of them it is, is known here. A word too many is a fault.
 class ListWriter {
 public:
-    ListWriter(MemoryMap& memory, Registers& registers)
-        : m_memory(memory), m_registers(registers) {}
+    ListWriter(MemoryMap& memory, Registers& registers, WorkBudget& budget)
+        : m_memory(memory), m_registers(registers), m_budget(budget) {}
 
     void put(std::uint32_t word);
     void put(const std::vector<std::uint32_t>& words);
@@ -30,6 +31,7 @@ public:
 private:
     MemoryMap& m_memory;
     Registers& m_registers;
+    WorkBudget& m_budget;
     bool m_full = false;
 };
 

@@ -7,6 +7,7 @@
 #include "power.h"
 #include "registers.h"
 #include "serialflash.h"
+#include "workbudget.h"
 
 #include <cstdint>
 #include <string>
@@ -17,6 +18,7 @@ namespace controller {
 class CoprocessorPort {
 public:
     virtual ~CoprocessorPort() = default;
+    virtual Nanoseconds now() const = 0;
     virtual bool isScanning() const = 0;
     virtual bool isSwapPending() const = 0;
     virtual std::uint32_t framesScanned() const = 0;
@@ -40,7 +42,8 @@ struct Machine {
     Registers& registers;
     SerialFlash& flash;
     CoprocessorPort& port;
-    ListWriter list{memory, registers};
+    WorkBudget budget{};
+    ListWriter list{memory, registers, budget};
 };
 
 } // namespace controller

@@ -11,6 +11,7 @@ namespace controller {
 enum class Progress : std::uint8_t {
     Done,
     Waiting,   // for something outside the coprocessor: a frame, a swap, a touch
+    Working,   // not done with its own work; goes on as soon as there is time
     Restarted, // done, and the ring's pointers are where the command has put them
 };
 

@@ -160,7 +160,7 @@ std::string Formatter::converted(const Conversion& conversion) {
 
 std::string Formatter::run() {
     std::string result;
-    while (m_at < m_format.size()) {
+    while (m_at < m_format.size() && result.size() < longestFormattedText) {
         const char c = m_format[m_at++];
         if (c != '%') {
             result += c;
@@ -177,6 +177,7 @@ std::string Formatter::run() {
             result += text;
         }
     }
+    result.resize(std::min(result.size(), longestFormattedText));
     return result;
 }
 
