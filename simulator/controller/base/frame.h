@@ -22,6 +22,7 @@ struct Frame {
     std::vector<std::uint8_t> tags; // one per pixel, laid out like the picture
     std::vector<DrawnCharacter> characters;
     std::vector<std::string> complaints; // malformed or unknown words, one line each
+    std::int64_t work = 0;               // what drawing it costs, in about nanoseconds
 };
 
 } // namespace controller

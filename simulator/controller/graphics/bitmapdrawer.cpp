@@ -4,6 +4,7 @@
 #include "fixedmath.h"
 #include "pixelmath.h"
 #include "texels.h"
+#include "work.h"
 
 #include <algorithm>
 #include <array>
@@ -94,13 +95,24 @@ void drawRow(const Drawing& drawing, Sampler<Texels>& sampler, int y, std::size_
     paintRow(drawing, y, count);
 }
 
+// At most.
+std::int64_t sampleCost(const Drawing& drawing) {
+    const Bitmap& bitmap = drawing.bitmap;
+    const bool hard = bitmap.bilinear || bitmap.repeatX || bitmap.repeatY;
+    const bool recoloured = drawing.swizzle != straight || drawing.color != 0xFFFFFFFF;
+    return (hard ? cost::wrappedTexel : cost::texel) + (recoloured ? cost::recoloured : 0);
+}
+
 template<typename Texels>
 void drawRows(const Drawing& drawing, BitmapRows& rows, const Texels& texels) {
     const auto count = static_cast<std::size_t>(drawing.within.right - drawing.within.left);
     drawing.alphas.resize(count);
     drawing.pixels.resize(count);
     Sampler<Texels> sampler(texels, drawing.bitmap, rows);
-    for (int y = drawing.within.top; y < drawing.within.bottom; ++y) {
+    Work& work = drawing.pipeline.work();
+    const std::int64_t rowCost = cost::row + sampleCost(drawing) * static_cast<std::int64_t>(count);
+    for (int y = drawing.within.top; y < drawing.within.bottom && !work.isTooMuch(); ++y) {
+        work.add(rowCost);
         drawRow(drawing, sampler, y, count);
     }
 }
@@ -151,13 +163,9 @@ void BitmapDrawer::draw(PixelPipeline& pipeline, const GraphicsState& state,
     if (within.empty() || !check(bitmap)) {
         return;
     }
-    Palette palette{};
-    if (isPaletted(bitmap.format) &&
-        !readPalette(m_memory, bitmap.format, state.paletteSource, palette)) {
-        m_complaints.add(Flaw::PaletteOutsideMemory, "display list: the palette at " +
-                                                         hexadecimal(state.paletteSource) +
-                                                         " reaches outside memory");
-    }
+    const Palette& palette = isPaletted(bitmap.format)
+                                 ? paletteFor(pipeline, bitmap.format, state.paletteSource)
+                                 : m_palette;
     BitmapRows rows(m_memory, bitmap);
     drawFormat({pipeline, state.transform, state.color, handle.swizzle, bitmap, corner, within,
                 m_alphas, m_pixels},
@@ -167,6 +175,23 @@ void BitmapDrawer::draw(PixelPipeline& pipeline, const GraphicsState& state,
                                                         hexadecimal(bitmap.address) +
                                                         " reaches outside memory");
     }
+}
+
+const Palette& BitmapDrawer::paletteFor(PixelPipeline& pipeline, std::uint32_t format,
+                                        std::uint32_t address) {
+    if (m_hasPalette && m_paletteFormat == format && m_paletteAddress == address) {
+        return m_palette;
+    }
+    pipeline.work().add(cost::palette);
+    m_hasPalette = true;
+    m_paletteFormat = format;
+    m_paletteAddress = address;
+    if (!readPalette(m_memory, format, address, m_palette)) {
+        m_complaints.add(Flaw::PaletteOutsideMemory, "display list: the palette at " +
+                                                         hexadecimal(address) +
+                                                         " reaches outside memory");
+    }
+    return m_palette;
 }
 
 bool BitmapDrawer::check(const Bitmap& bitmap) {

@@ -15,9 +15,20 @@ std::uint8_t asFraction255(std::int32_t coverage) {
     return static_cast<std::uint8_t>((coverage * 255 + fullCoverage / 2) / fullCoverage);
 }
 
-CoverageRow::CoverageRow(int left, int right)
-    : m_left(left), m_right(right), m_changes(static_cast<std::size_t>(right - left) + 2),
-      m_coverage(static_cast<std::size_t>(right - left)) {}
+void CoverageRow::Pixels::include(int from, int to) {
+    first = std::min(first, from);
+    end = std::max(end, to);
+}
+
+void CoverageRow::reach(int left, int right) {
+    m_left = left;
+    m_right = right;
+    const auto width = static_cast<std::size_t>(right - left);
+    if (m_coverage.size() < width) {
+        m_coverage.resize(width);
+        m_changes.resize(width + 2); // an edge at the right border changes two more
+    }
+}
 
 void CoverageRow::add(const RowSpan& span, int count) {
     const std::int64_t leftmost = static_cast<std::int64_t>(m_left) * rowUnits;
@@ -31,20 +42,16 @@ void CoverageRow::add(const RowSpan& span, int count) {
     }
     addEdge(left, count);
     addEdge(right, -count);
-    const auto first = static_cast<int>(left / rowUnits);
-    const auto end = static_cast<int>((right + rowUnits - 1) / rowUnits);
-    const auto innerFirst = static_cast<int>((left + rowUnits - 1) / rowUnits);
-    const auto innerEnd = static_cast<int>(right / rowUnits);
+    const Pixels beginning{static_cast<int>(left / rowUnits),
+                           static_cast<int>((left + rowUnits - 1) / rowUnits)};
+    const Pixels end{static_cast<int>(right / rowUnits),
+                     static_cast<int>((right + rowUnits - 1) / rowUnits)};
     if (m_lines == 0) {
-        m_first = first;
-        m_end = end;
-        m_innerFirst = innerFirst;
-        m_innerEnd = innerEnd;
+        m_beginnings = beginning;
+        m_ends = end;
     } else {
-        m_first = std::min(m_first, first);
-        m_end = std::max(m_end, end);
-        m_innerFirst = std::max(m_innerFirst, innerFirst);
-        m_innerEnd = std::min(m_innerEnd, innerEnd);
+        m_beginnings.include(beginning.first, beginning.end);
+        m_ends.include(end.first, end.end);
     }
     m_lines += count;
 }
@@ -57,36 +64,44 @@ void CoverageRow::addEdge(std::uint32_t position, int weight) {
     m_changes[pixel + 1] += weight * outside;
 }
 
-void CoverageRow::draw(PixelPipeline& pipeline, int y) {
+void CoverageRow::draw(int y) {
     if (m_lines == 0) {
         return;
     }
-    if (m_lines < linesPerRow || m_innerFirst >= m_innerEnd) {
-        m_innerFirst = m_innerEnd = m_end;
+    if (m_beginnings.end < m_ends.first) {
+        drawEach(y, m_beginnings, 0);
+        drawAlike(y, {m_beginnings.end, m_ends.first});
+        drawEach(y, m_ends, m_lines * rowUnits);
+    } else {
+        drawEach(y, {m_beginnings.first, m_ends.end}, 0);
     }
-    drawPartial(pipeline, y, m_first, m_innerFirst);
-    pipeline.fill(y, m_left + m_innerFirst, m_left + m_innerEnd);
-    // The changes inside the inner part are all in its first pixel and add up to full coverage.
-    if (m_innerFirst < m_innerEnd) {
-        m_changes[static_cast<std::size_t>(m_innerFirst)] = 0;
-        m_changes[static_cast<std::size_t>(m_innerEnd)] += fullCoverage;
-    }
-    drawPartial(pipeline, y, m_innerEnd, m_end);
-    m_changes[static_cast<std::size_t>(m_end)] = 0;
     m_lines = 0;
 }
 
-void CoverageRow::drawPartial(PixelPipeline& pipeline, int y, int from, int to) {
-    if (from >= to) {
-        return;
-    }
-    std::int32_t coverage = 0;
-    for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
+// Pixels of different coverage; uses up their changes and the one behind them.
+void CoverageRow::drawEach(int y, const Pixels& pixels, std::int32_t coverageBefore) {
+    std::int32_t coverage = coverageBefore;
+    const auto first = static_cast<std::size_t>(pixels.first);
+    const auto end = static_cast<std::size_t>(pixels.end);
+    for (std::size_t i = first; i < end; ++i) {
         coverage += m_changes[i];
         m_changes[i] = 0;
         m_coverage[i] = asFraction255(coverage);
     }
-    pipeline.cover(y, m_left + from, static_cast<std::size_t>(to - from), m_coverage.data() + from);
+    m_changes[end] = 0;
+    if (first < end) {
+        m_pipeline.cover(y, m_left + pixels.first, end - first, &m_coverage[first]);
+    }
+}
+
+void CoverageRow::drawAlike(int y, const Pixels& pixels) {
+    if (m_lines == linesPerRow) {
+        m_pipeline.fill(y, m_left + pixels.first, m_left + pixels.end);
+        return;
+    }
+    const auto count = static_cast<std::size_t>(pixels.end - pixels.first);
+    std::fill_n(m_coverage.begin(), count, asFraction255(m_lines * rowUnits));
+    m_pipeline.cover(y, m_left + pixels.first, count, m_coverage.data());
 }
 
 } // namespace controller

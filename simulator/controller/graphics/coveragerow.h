@@ -25,30 +25,44 @@ std::uint8_t asFraction255(std::int32_t coverage);
 
 // How much of each pixel of one row a shape covers: the sum over its lines of samples, each of
 // which covers one span, exactly in x.
+//
+// Every span begins in one of the pixels that are noted as beginnings and ends in one of those
+// noted as ends; where there are pixels between the two, each of them is covered by all the lines
+// alike. Only around beginnings and ends does each pixel have a coverage of its own: the sum of
+// the changes up to it.
 class CoverageRow {
 public:
-    // For rows between the pixels `left` and `right`.
-    CoverageRow(int left, int right);
+    explicit CoverageRow(PixelPipeline& pipeline) : m_pipeline(pipeline) {}
 
+    PixelPipeline& pipeline() { return m_pipeline; }
+
+    // From now on for rows between the pixels `left` and `right`.
+    void reach(int left, int right);
     // Adds `count` lines of samples that are covered alike.
     void add(const RowSpan& span, int count);
     // Draws what has been added in row y and empties the row.
-    void draw(PixelPipeline& pipeline, int y);
+    void draw(int y);
 
 private:
-    void addEdge(std::uint32_t position, int weight);
-    void drawPartial(PixelPipeline& pipeline, int y, int from, int to);
+    // Pixels [first, end), counted from m_left.
+    struct Pixels {
+        int first = 0;
+        int end = 0;
 
-    int m_left;
-    int m_right;
+        void include(int from, int to);
+    };
+
+    void addEdge(std::uint32_t position, int weight);
+    void drawEach(int y, const Pixels& pixels, std::int32_t coverageBefore);
+    void drawAlike(int y, const Pixels& pixels);
+
+    PixelPipeline& m_pipeline;
+    int m_left = 0;
+    int m_right = 0;
     int m_lines = 0;
-    // Pixels that the row touches, and those of them that every line covers wholly.
-    int m_first = 0;
-    int m_end = 0;
-    int m_innerFirst = 0;
-    int m_innerEnd = 0;
-    // Change of the coverage from pixel to pixel.
-    std::vector<std::int32_t> m_changes;
+    Pixels m_beginnings;
+    Pixels m_ends;
+    std::vector<std::int32_t> m_changes; // of the coverage from pixel to pixel; 0 between rows
     std::vector<std::uint8_t> m_coverage;
 };
 

@@ -3,6 +3,7 @@
 #include "displaylist.h"
 #include "fixedmath.h"
 #include "pixelmath.h"
+#include "work.h"
 
 #include <algorithm>
 
@@ -110,7 +111,7 @@ DisplayListWalker::DisplayListWalker(Generation generation, const std::uint32_t*
       m_pipeline(pipeline), m_assembler(assembler), m_complaints(complaints),
       m_state(initialState(generation)) {}
 
-void DisplayListWalker::walk(std::int64_t workLimit) {
+void DisplayListWalker::walk() {
     for (int steps = 0; m_running; ++steps) {
         if (m_next >= displayListWords) {
             complain(Flaw::ListWithoutEnd, "display list: ends without DISPLAY");
@@ -120,11 +121,12 @@ void DisplayListWalker::walk(std::int64_t workLimit) {
             complain(Flaw::TooManySteps, "display list: runs in circles");
             return;
         }
-        if (m_assembler.work() > workLimit) {
+        m_pipeline.work().add(cost::word);
+        execute(m_list[m_next++]);
+        if (m_pipeline.work().isTooMuch()) {
             complain(Flaw::TooMuchWork, "display list: more to draw than a frame has time for");
             return;
         }
-        execute(m_list[m_next++]);
     }
 }
 
@@ -216,7 +218,6 @@ void DisplayListWalker::end(std::uint32_t /*word*/) {
 void DisplayListWalker::clear(std::uint32_t word) {
     m_assembler.finishEdges();
     m_pipeline.use(m_state);
-    m_assembler.addWork(m_pipeline.clip());
     m_pipeline.clear(bits(word, 2, 1) != 0, bits(word, 1, 1) != 0, bits(word, 0, 1) != 0);
 }
 

@@ -23,8 +23,7 @@ public:
                       PixelPipeline& pipeline, PrimitiveAssembler& assembler,
                       Complaints& complaints);
 
-    // `workLimit`: how many pixels may be looked at before the list is given up.
-    void walk(std::int64_t workLimit);
+    void walk();
 
 private:
     using Handler = void (DisplayListWalker::*)(std::uint32_t word);

@@ -1,7 +1,7 @@
 #include "edgestrip.h"
 
-#include "coveragerow.h"
 #include "fixedmath.h"
+#include "work.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -44,7 +44,7 @@ struct Ends {
 
 } // namespace
 
-int EdgeStrip::segment(const GraphicsState& state, Position from, Position to, EdgeSide side) {
+void EdgeStrip::segment(const GraphicsState& state, Position from, Position to, EdgeSide side) {
     const Ends ends(from, to, side);
     const std::int64_t first = std::min(ends.start, ends.end);
     const std::int64_t end = std::max(ends.start, ends.end);
@@ -58,18 +58,13 @@ int EdgeStrip::segment(const GraphicsState& state, Position from, Position to, E
         addPart(state, from, to, side, first, firstWhole);
     }
     m_pipeline.use(state);
-    int work = drawEdge(m_pipeline, from, to, side);
-    if (firstWhole != first || endWhole != end) {
-        const PixelRect& clip = m_pipeline.clip();
-        work += std::max(0, isUpright(side) ? clip.bottom - clip.top : clip.right - clip.left);
-    }
+    drawEdge(m_row, from, to, side);
     if (backwards) {
         addPart(state, from, to, side, first, firstWhole);
     } else {
         addPart(state, from, to, side, endWhole, end);
     }
     m_pipeline.use(state);
-    return work;
 }
 
 // The segment's steps from `first` to before `end`, all of one pixel.
@@ -129,7 +124,9 @@ void EdgeStrip::finish() {
     }
     const auto across = static_cast<int>(part.pixel);
     const int end = upright ? clip.bottom : clip.right;
-    for (int along = upright ? clip.top : clip.left; along < end; ++along) {
+    Work& work = m_pipeline.work();
+    for (int along = upright ? clip.top : clip.left; along < end && !work.isTooMuch(); ++along) {
+        work.add(cost::edgePixel);
         const std::uint8_t coverage = asFraction255(coverageOf(part, along));
         m_pipeline.cover(upright ? along : across, upright ? across : along, 1, &coverage);
     }

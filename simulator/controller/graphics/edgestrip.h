@@ -1,5 +1,6 @@
 #pragma once
 
+#include "coveragerow.h"
 #include "graphicsstate.h"
 #include "pixelpipeline.h"
 #include "position.h"
@@ -18,11 +19,10 @@ namespace controller {
 // of it, in the colour of the one that reaches its middle.
 class EdgeStrip {
 public:
-    explicit EdgeStrip(PixelPipeline& pipeline) : m_pipeline(pipeline) {}
+    explicit EdgeStrip(CoverageRow& row) : m_row(row), m_pipeline(row.pipeline()) {}
 
-    // Draws a segment with `state`, which the pipeline uses already. Returns about how many pixels
-    // it had to look at.
-    int segment(const GraphicsState& state, Position from, Position to, EdgeSide side);
+    // Draws a segment with `state`, which the pipeline uses already.
+    void segment(const GraphicsState& state, Position from, Position to, EdgeSide side);
     // Draws what waits. The pipeline may use another state afterwards, one that lives as long as
     // this object.
     void finish();
@@ -42,6 +42,7 @@ private:
                  std::int64_t first, std::int64_t end);
     static int coverageOf(const Part& part, int pixel);
 
+    CoverageRow& m_row;
     PixelPipeline& m_pipeline;
     Part m_part;           // reached by nothing: none
     GraphicsState m_drawn; // the state of the part drawn last

@@ -7,18 +7,12 @@
 #include "pixelpipeline.h"
 #include "primitiveassembler.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 namespace controller {
 
 namespace {
-
-// A list that draws more than so many panels full is given up: no chip would scan it in time,
-// and a viewer must not hang on it.
-constexpr std::int64_t mostPanelsDrawn = 256;
-constexpr std::int64_t smallestPanelCounted = std::int64_t{320} * 240;
 
 constexpr int fontHandles = 32; // fonts 16 to 31 stand at the handles of their numbers
 
@@ -55,10 +49,10 @@ public:
         PrimitiveAssembler assembler(m_generation, memory, pipeline, frame, complaints);
         DisplayListWalker walker(m_generation, list, macros, m_handles, pipeline, assembler,
                                  complaints);
-        const std::int64_t area = std::int64_t{frame.picture.width} * frame.picture.height;
-        walker.walk(mostPanelsDrawn * std::max(area, smallestPanelCounted));
+        walker.walk();
         assembler.end();
         pipeline.finish();
+        frame.work = pipeline.work().done();
     }
 
 private:

@@ -11,12 +11,13 @@
 namespace controller {
 
 // The part of the chip that walks a display list and draws it: state machine, context stack and
-// rasteriser. It works with integers only, so a frame is the same bit for bit on every machine.
+// rasteriser. Its results are those of integers, so a frame is the same bit for bit on every
+// machine.
 //
 // Not modelled, and complained about where a list uses it: the text and bar-graph formats,
 // compressed formats and bitmaps in flash. The chip gives each line of the panel only so much time;
-// here a whole list is given up when it draws some hundred panels full or runs in circles. Edges of
-// a window at a fraction of a pixel are not smoothed.
+// here a whole list is given up when it costs too much (work.h) or runs in circles. Edges of a
+// window at a fraction of a pixel are not smoothed.
 class GraphicsEngine {
 public:
     explicit GraphicsEngine(Generation generation);

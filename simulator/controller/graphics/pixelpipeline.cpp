@@ -155,6 +155,7 @@ PixelPipeline::PixelPipeline(Frame& frame, int width, int height)
 void PixelPipeline::use(const GraphicsState& state) {
     m_state = &state;
     m_plain = isPlain(state);
+    m_pixelCost = m_plain ? cost::plainPixel : cost::fragment;
     const Scissor& scissor = state.scissor;
     m_clip = {scissor.x, scissor.y, std::min(scissor.x + scissor.width, m_width),
               std::min(scissor.y + scissor.height, m_height)};
@@ -167,7 +168,11 @@ void PixelPipeline::clear(bool color, bool stencil, bool tag) {
     const auto count = static_cast<std::size_t>(m_clip.right - m_clip.left);
     const std::uint32_t mask = m_state->colorMask;
     const std::uint32_t stencilMask = m_state->stencilWriteMask;
-    for (int y = m_clip.top; y < m_clip.bottom; ++y) {
+    const int kinds = (color ? 1 : 0) + (stencil ? 1 : 0) + (tag ? 1 : 0);
+    const std::int64_t rowCost =
+        cost::row + cost::clearedPixel * kinds * static_cast<std::int64_t>(count);
+    for (int y = m_clip.top; y < m_clip.bottom && !m_work.isTooMuch(); ++y) {
+        m_work.add(rowCost);
         const std::size_t first = offset(m_clip.left, y);
         if (color && mask == 0xFFFFFFFF) {
             std::fill_n(m_pixels + first, count, m_state->clearColor);
@@ -197,6 +202,7 @@ void PixelPipeline::fill(int y, int left, int right) {
     const std::size_t first = offset(left, y);
     const auto count = static_cast<std::size_t>(right - left);
     const std::uint32_t color = m_state->color;
+    addWork(count);
     if (!m_plain) {
         for (std::size_t i = first; i < first + count; ++i) {
             drawFragment(i, color);
@@ -216,6 +222,7 @@ void PixelPipeline::fill(int y, int left, int right) {
 void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t* coverage) {
     const std::size_t first = offset(left, y);
     const std::uint32_t color = m_state->color;
+    addWork(count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             if (coverage[i] != 0) {
@@ -236,6 +243,7 @@ void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t
 void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t* alphas) {
     const std::size_t first = offset(left, y);
     const std::uint32_t color = m_state->color;
+    addWork(count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             drawFragment(first + i, withAlpha(color, multiplied(alphaOf(color), alphas[i])));
@@ -248,6 +256,7 @@ void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t
 
 void PixelPipeline::paint(int y, int left, std::size_t count, const std::uint32_t* pixels) {
     const std::size_t first = offset(left, y);
+    addWork(count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             drawFragment(first + i, pixels[i]);
@@ -264,6 +273,10 @@ void PixelPipeline::finish() {
     for (std::uint32_t& pixel : m_frame.picture.pixels) {
         pixel |= 0xFF000000;
     }
+}
+
+void PixelPipeline::addWork(std::size_t pixels) {
+    m_work.add(cost::row + m_pixelCost * static_cast<std::int64_t>(pixels));
 }
 
 void PixelPipeline::fillTags(std::size_t first, std::size_t count) {

@@ -2,6 +2,7 @@
 
 #include "frame.h"
 #include "graphicsstate.h"
+#include "work.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,9 +18,6 @@ struct PixelRect {
     int bottom = 0;
 
     bool empty() const { return left >= right || top >= bottom; }
-    std::int64_t area() const {
-        return empty() ? 0 : std::int64_t{right - left} * std::int64_t{bottom - top};
-    }
 };
 
 // The last stage of drawing: takes rows of fragments and does with each what the graphics state
@@ -34,6 +32,8 @@ public:
     // The state to draw with from now on; it must live until the next call.
     void use(const GraphicsState& state);
     const PixelRect& clip() const { return m_clip; }
+    // What the frame has cost. Whoever draws more than a row looks whether it is too much.
+    Work& work() { return m_work; }
 
     void clear(bool color, bool stencil, bool tag);
 
@@ -54,6 +54,7 @@ private:
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) +
                static_cast<std::size_t>(x);
     }
+    void addWork(std::size_t pixels);
     void fillTags(std::size_t first, std::size_t count);
     void drawFragment(std::size_t at, std::uint32_t source);
     bool passesStencil(std::size_t at);
@@ -67,7 +68,9 @@ private:
     std::vector<std::uint8_t> m_stencil;
     const GraphicsState* m_state = nullptr;
     PixelRect m_clip;
+    Work m_work;
     bool m_plain = true; // the usual blend and nothing else: fragments need no single treatment
+    std::int64_t m_pixelCost = cost::plainPixel;
 };
 
 } // namespace controller

@@ -2,6 +2,7 @@
 
 #include "fixedmath.h"
 #include "fontrom.h"
+#include "work.h"
 
 #include <algorithm>
 #include <string>
@@ -11,7 +12,6 @@ namespace controller {
 namespace {
 
 constexpr int leastRounding = 16; // of rectangles, 1/16 pixel
-constexpr int vertexWork = 16;    // what a vertex costs at least, in pixels
 
 bool isStrip(std::uint32_t kind) {
     return kind != primitive::Lines && kind != primitive::Rects;
@@ -47,7 +47,7 @@ void PrimitiveAssembler::vertex(const GraphicsState& state, Position place,
                                 const BitmapHandle& handle, std::uint8_t handleNumber,
                                 std::uint8_t cell) {
     m_pipeline.use(state);
-    m_work += vertexWork;
+    m_pipeline.work().add(cost::vertex);
     if (m_primitive == primitive::None || m_primitive > primitive::Rects) {
         m_complaints.add(Flaw::VertexOutsideBegin, "display list: a vertex of no primitive");
         return;
@@ -57,20 +57,20 @@ void PrimitiveAssembler::vertex(const GraphicsState& state, Position place,
         return;
     }
     if (m_primitive == primitive::Points) {
-        m_work += drawPoint(m_pipeline, place, state.pointSize);
+        drawPoint(m_row, place, state.pointSize);
         return;
     }
     if (m_hasPrevious) {
-        m_work += drawSegment(state, m_previous, place);
+        drawSegment(state, m_previous, place);
     }
     m_hasPrevious = isStrip(m_primitive) || !m_hasPrevious;
     m_previous = place;
 }
 
-int PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, Position to) {
+void PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, Position to) {
     switch (m_primitive) {
     case primitive::Rects:
-        return drawRectangle(m_pipeline, from, to, std::max(state.lineWidth, leastRounding));
+        return drawRectangle(m_row, from, to, std::max(state.lineWidth, leastRounding));
     case primitive::EdgeStripR:
         return m_edges.segment(state, from, to, EdgeSide::Right);
     case primitive::EdgeStripL:
@@ -80,7 +80,7 @@ int PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, P
     case primitive::EdgeStripB:
         return m_edges.segment(state, from, to, EdgeSide::Below);
     default:
-        return drawLine(m_pipeline, from, to, state.lineWidth);
+        return drawLine(m_row, from, to, state.lineWidth);
     }
 }
 
@@ -93,7 +93,6 @@ void PrimitiveAssembler::drawBitmap(const GraphicsState& state, Position corner,
         return;
     }
     noteCharacter(corner, handle, handleNumber, cell);
-    addWork(window);
     m_bitmaps.draw(m_pipeline, state, handle, bitmap, corner, window);
 }
 

@@ -2,6 +2,7 @@
 
 #include "bitmapdrawer.h"
 #include "complaints.h"
+#include "coveragerow.h"
 #include "edgestrip.h"
 #include "frame.h"
 #include "generation.h"
@@ -20,7 +21,7 @@ public:
     PrimitiveAssembler(Generation generation, const GraphicsMemory& memory, PixelPipeline& pipeline,
                        Frame& frame, Complaints& complaints)
         : m_generation(generation), m_pipeline(pipeline), m_bitmaps(memory, complaints),
-          m_edges(pipeline), m_frame(frame), m_complaints(complaints) {}
+          m_row(pipeline), m_edges(m_row), m_frame(frame), m_complaints(complaints) {}
 
     void begin(std::uint32_t primitive);
     void end() { begin(primitive::None); }
@@ -31,20 +32,17 @@ public:
     void vertex(const GraphicsState& state, Position place, const BitmapHandle& handle,
                 std::uint8_t handleNumber, std::uint8_t cell);
 
-    // About how many pixels have been looked at since the frame began.
-    std::int64_t work() const { return m_work; }
-    void addWork(const PixelRect& pixels) { m_work += pixels.area(); }
-
 private:
     void drawBitmap(const GraphicsState& state, Position corner, const BitmapHandle& handle,
                     std::uint8_t handleNumber, std::uint8_t cell);
-    int drawSegment(const GraphicsState& state, Position from, Position to);
+    void drawSegment(const GraphicsState& state, Position from, Position to);
     void noteCharacter(Position corner, const BitmapHandle& handle, std::uint8_t handleNumber,
                        std::uint8_t cell);
 
     Generation m_generation;
     PixelPipeline& m_pipeline;
     BitmapDrawer m_bitmaps;
+    CoverageRow m_row;
     EdgeStrip m_edges;
     Frame& m_frame;
     Complaints& m_complaints;
@@ -52,7 +50,6 @@ private:
     std::uint32_t m_primitive = primitive::None;
     bool m_hasPrevious = false;
     Position m_previous;
-    std::int64_t m_work = 0;
 };
 
 } // namespace controller

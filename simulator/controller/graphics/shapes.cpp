@@ -1,10 +1,11 @@
 #include "shapes.h"
 
-#include "coveragerow.h"
 #include "fixedmath.h"
+#include "work.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 
@@ -32,26 +33,19 @@ Vector fine(Position point) {
     return {point.x * perSubpixel, point.y * perSubpixel};
 }
 
-// floor(sqrt(value))
+// floor(sqrt(value)), whatever the machine makes of the first guess.
 std::int64_t squareRoot(std::int64_t value) {
     if (value <= 0) {
         return 0;
     }
-    auto rest = static_cast<std::uint64_t>(value);
-    std::uint64_t bit = std::uint64_t{1} << 62;
-    while (bit > rest) {
-        bit >>= 2;
+    auto root = static_cast<std::int64_t>(std::sqrt(static_cast<double>(value)));
+    while (root * root > value) {
+        --root;
     }
-    std::uint64_t root = 0;
-    for (; bit != 0; bit >>= 2) {
-        if (rest >= root + bit) {
-            rest -= root + bit;
-            root = (root >> 1) + bit;
-        } else {
-            root >>= 1;
-        }
+    while ((root + 1) * (root + 1) <= value) {
+        ++root;
     }
-    return static_cast<std::int64_t>(root);
+    return root;
 }
 
 // Spans are made in 1/4096 pixel and rounded once, here.
@@ -234,31 +228,33 @@ private:
 template<typename Shape>
 void addRow(CoverageRow& row, const Shape& shape, std::int64_t top) {
     constexpr std::int64_t lineHeight = pixel / linesPerRow;
+    Work& work = row.pipeline().work();
     if (shape.isAlike(top, top + pixel)) {
+        work.add(cost::sampleLine);
         row.add(shape.at(top + pixel / 2), linesPerRow);
         return;
     }
+    work.add(cost::sampleLine * linesPerRow);
     for (std::int64_t y = top + lineHeight / 2; y < top + pixel; y += lineHeight) {
         row.add(shape.at(y), 1);
     }
 }
 
 template<typename Shape>
-int drawShape(PixelPipeline& pipeline, const Shape& shape) {
-    const PixelRect& clip = pipeline.clip();
+void drawShape(CoverageRow& row, const Shape& shape) {
+    const PixelRect& clip = row.pipeline().clip();
     const auto top =
         static_cast<int>(std::max<std::int64_t>(floorQuotient(shape.top(), pixel), clip.top));
     const auto bottom =
         static_cast<int>(std::min<std::int64_t>(ceilQuotient(shape.bottom(), pixel), clip.bottom));
-    if (clip.empty() || top >= bottom) {
-        return 0;
+    if (clip.empty()) {
+        return;
     }
-    CoverageRow row(clip.left, clip.right);
-    for (int y = top; y < bottom; ++y) {
+    row.reach(clip.left, clip.right);
+    for (int y = top; y < bottom && !row.pipeline().work().isTooMuch(); ++y) {
         addRow(row, shape, y * pixel);
-        row.draw(pipeline, y);
+        row.draw(y);
     }
-    return (bottom - top) * (clip.right - clip.left);
 }
 
 // The pixels that lie wholly between two positions (1/16 pixel).
@@ -277,42 +273,42 @@ int clampedTo(std::int64_t value, int low, int high) {
 
 // Above or below a level edge: a rectangle whose rows are all full but perhaps the one that the
 // edge crosses.
-int drawLevelEdge(PixelPipeline& pipeline, std::int64_t y, bool above, const PixelRect& columns) {
-    CoverageRow row(columns.left, columns.right);
+void drawLevelEdge(CoverageRow& row, std::int64_t y, bool above, const PixelRect& columns) {
+    row.reach(columns.left, columns.right);
     const auto edgeRow = floorQuotient(y, subpixels);
     const auto linesAbove = static_cast<int>(y - edgeRow * subpixels);
     const RowSpan full{static_cast<std::int64_t>(columns.left) * rowUnits,
                        static_cast<std::int64_t>(columns.right) * rowUnits};
-    for (int line = columns.top; line < columns.bottom; ++line) {
+    Work& work = row.pipeline().work();
+    for (int line = columns.top; line < columns.bottom && !work.isTooMuch(); ++line) {
+        work.add(cost::sampleLine);
         int covered = (line < edgeRow) == above ? linesPerRow : 0;
         if (line == edgeRow) {
             covered = above ? linesAbove : linesPerRow - linesAbove;
         }
         if (covered > 0) {
             row.add(full, covered);
-            row.draw(pipeline, line);
+            row.draw(line);
         }
     }
-    return (columns.bottom - columns.top) * (columns.right - columns.left);
 }
 
 } // namespace
 
-int drawPoint(PixelPipeline& pipeline, Position centre, int radius) {
-    return drawShape(pipeline, Disc(fine(centre), radius * perSubpixel));
+void drawPoint(CoverageRow& row, Position centre, int radius) {
+    drawShape(row, Disc(fine(centre), radius * perSubpixel));
 }
 
-int drawLine(PixelPipeline& pipeline, Position from, Position to, int halfWidth) {
-    return drawShape(pipeline, Capsule(fine(from), fine(to), halfWidth * perSubpixel));
+void drawLine(CoverageRow& row, Position from, Position to, int halfWidth) {
+    drawShape(row, Capsule(fine(from), fine(to), halfWidth * perSubpixel));
 }
 
-int drawRectangle(PixelPipeline& pipeline, Position corner, Position opposite, int rounding) {
-    return drawShape(pipeline,
-                     RoundedRectangle(fine(corner), fine(opposite), rounding * perSubpixel));
+void drawRectangle(CoverageRow& row, Position corner, Position opposite, int rounding) {
+    drawShape(row, RoundedRectangle(fine(corner), fine(opposite), rounding * perSubpixel));
 }
 
-int drawEdge(PixelPipeline& pipeline, Position from, Position to, EdgeSide side) {
-    PixelRect within = pipeline.clip();
+void drawEdge(CoverageRow& row, Position from, Position to, EdgeSide side) {
+    PixelRect within = row.pipeline().clip();
     const bool vertical = side == EdgeSide::Above || side == EdgeSide::Below;
     if (vertical) {
         const PixelRange columns(from.x, to.x);
@@ -324,16 +320,17 @@ int drawEdge(PixelPipeline& pipeline, Position from, Position to, EdgeSide side)
         within.top = clampedTo(rows.first, within.top, within.bottom);
     }
     if (within.empty()) {
-        return 0;
+        return;
     }
     if (vertical && from.y == to.y) {
-        return drawLevelEdge(pipeline, from.y, side == EdgeSide::Above, within);
+        drawLevelEdge(row, from.y, side == EdgeSide::Above, within);
+        return;
     }
     // What lies above an edge that falls to the right lies right of it, and so on.
     const bool fallsToTheRight = (to.x > from.x) == (to.y > from.y);
     const bool toLeft = side == EdgeSide::Left || (side == EdgeSide::Above && !fallsToTheRight) ||
                         (side == EdgeSide::Below && fallsToTheRight);
-    return drawShape(pipeline, EdgeRegion(fine(from), fine(to), toLeft, within));
+    drawShape(row, EdgeRegion(fine(from), fine(to), toLeft, within));
 }
 
 } // namespace controller
