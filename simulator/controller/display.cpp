@@ -25,7 +25,6 @@ void Display::reset() {
     m_engine.reset();
     m_list.fill(0);
     m_walked = false;
-    m_drawn = false;
     m_reported.clear();
 }
 
@@ -35,24 +34,19 @@ void Display::show(const DisplayList& list) {
     }
     m_list = list;
     m_walked = false;
-    m_drawn = false;
 }
 
-std::array<std::uint32_t, 2> Display::macros() const {
-    return {m_registers[Register::Macro0], m_registers[Register::Macro1]};
-}
-
-void Display::scan(int width, int height, Frame& frame) {
-    m_engine.scan(m_list.data(), m_memory.graphicsView(), macros(), width, height, frame);
-    if (!m_walked) {
-        m_walked = true;
-        report(frame);
-    }
+Scene Display::scene(int width, int height) const {
+    return {m_list,
+            m_memory.graphicsView(),
+            {m_registers[Register::Macro0], m_registers[Register::Macro1]},
+            width,
+            height};
 }
 
 void Display::scanned() {
     if (!m_walked) {
-        scan(0, 0, m_unseen);
+        report(m_engine.walk(scene(0, 0)));
     }
 }
 
@@ -60,16 +54,11 @@ const Frame& Display::frame() {
     const int side = largestSide(m_generation);
     const int width = std::min(static_cast<int>(m_registers[Register::HSize]), side);
     const int height = std::min(static_cast<int>(m_registers[Register::VSize]), side);
-    const bool current = m_drawn && m_drawnMemory == m_memory.pictureChanges() &&
-                         m_drawnMacros == macros() && m_frame.picture.width == width &&
-                         m_frame.picture.height == height;
-    if (!current) {
-        scan(width, height, m_frame);
-        m_drawn = true;
-        m_drawnMemory = m_memory.pictureChanges();
-        m_drawnMacros = macros();
+    const Frame& frame = m_engine.draw(scene(std::max(width, 0), std::max(height, 0)));
+    if (!m_walked) {
+        report(frame.complaints);
     }
-    return m_frame;
+    return frame;
 }
 
 std::uint8_t Display::tagAt(int x, int y) {
@@ -81,13 +70,15 @@ std::uint8_t Display::tagAt(int x, int y) {
                       static_cast<std::size_t>(x)];
 }
 
-void Display::report(const Frame& frame) {
-    for (const std::string& complaint : frame.complaints) {
+// Says what is new since the list before.
+void Display::report(const std::vector<std::string>& complaints) {
+    m_walked = true;
+    for (const std::string& complaint : complaints) {
         if (std::find(m_reported.begin(), m_reported.end(), complaint) == m_reported.end()) {
             m_complain(complaint);
         }
     }
-    m_reported = frame.complaints;
+    m_reported = complaints;
 }
 
 } // namespace controller

@@ -6,7 +6,6 @@
 #include "memorymap.h"
 #include "registers.h"
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -16,8 +15,8 @@ namespace controller {
 
 // What the panel shows: the list in force and the picture it draws.
 //
-// The picture is drawn only when somebody looks, and not again while list, memory, macros and
-// size stay the same. A list that is scanned without anybody looking is only walked, for what it
+// The picture is drawn only when somebody looks, and then only what the engine has not drawn
+// before. A list that is scanned without anybody looking is only walked, for what it
 // leaves behind: bitmap handles outlive the list that set them.
 class Display {
 public:
@@ -37,9 +36,8 @@ public:
     std::uint8_t tagAt(int x, int y);
 
 private:
-    std::array<std::uint32_t, 2> macros() const;
-    void scan(int width, int height, Frame& frame);
-    void report(const Frame& frame);
+    Scene scene(int width, int height) const;
+    void report(const std::vector<std::string>& complaints);
 
     Generation m_generation;
     const MemoryMap& m_memory;
@@ -48,12 +46,7 @@ private:
     GraphicsEngine m_engine;
 
     DisplayList m_list{};
-    bool m_walked = false; // by the engine, whether it drew or not
-    bool m_drawn = false;  // m_frame is of m_list, with what follows
-    std::uint64_t m_drawnMemory = 0;
-    std::array<std::uint32_t, 2> m_drawnMacros{};
-    Frame m_frame;
-    Frame m_unseen;                      // of walks
+    bool m_walked = false;               // by the engine, whether it drew or not
     std::vector<std::string> m_reported; // complaints about the list before
 };
 

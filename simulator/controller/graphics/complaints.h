@@ -35,17 +35,16 @@ enum class Flaw : std::uint8_t {
 // does not drown everything else.
 class Complaints {
 public:
-    explicit Complaints(std::vector<std::string>& lines) : m_lines(lines) {}
-
     void add(Flaw flaw, const std::string& text) { addOnce(opcodes + index(flaw), text); }
     void addUnknownWord(std::uint32_t word);
+    const std::vector<std::string>& lines() const { return m_lines; }
 
 private:
     static constexpr std::size_t opcodes = 256;
     static std::size_t index(Flaw flaw) { return static_cast<std::size_t>(flaw); }
     void addOnce(std::size_t kind, const std::string& text);
 
-    std::vector<std::string>& m_lines;
+    std::vector<std::string> m_lines;
     std::bitset<opcodes + 64> m_seen;
 };
 

@@ -108,26 +108,35 @@ DisplayListWalker::DisplayListWalker(Generation generation, const std::uint32_t*
                                      BitmapHandles& handles, PixelPipeline& pipeline,
                                      PrimitiveAssembler& assembler, Complaints& complaints)
     : m_generation(generation), m_list(list), m_macros(macros), m_handles(handles),
-      m_pipeline(pipeline), m_assembler(assembler), m_complaints(complaints),
-      m_state(initialState(generation)) {}
+      m_pipeline(pipeline), m_assembler(assembler), m_complaints(complaints), m_at(generation) {}
 
-void DisplayListWalker::walk() {
-    for (int steps = 0; m_running; ++steps) {
-        if (m_next >= displayListWords) {
-            complain(Flaw::ListWithoutEnd, "display list: ends without DISPLAY");
-            return;
-        }
-        if (steps >= mostSteps) {
-            complain(Flaw::TooManySteps, "display list: runs in circles");
-            return;
-        }
-        m_pipeline.work().add(cost::word);
-        execute(m_list[m_next++]);
-        if (m_pipeline.work().isTooMuch()) {
-            complain(Flaw::TooMuchWork, "display list: more to draw than a frame has time for");
-            return;
-        }
+void DisplayListWalker::walkTo(std::size_t index) {
+    while (m_at.running && (m_at.next < index || m_at.next >= displayListWords)) {
+        step();
     }
+}
+
+void DisplayListWalker::step() {
+    if (m_at.next >= displayListWords) {
+        giveUp(Flaw::ListWithoutEnd, "display list: ends without DISPLAY");
+        return;
+    }
+    if (m_at.steps++ >= mostSteps) {
+        giveUp(Flaw::TooManySteps, "display list: runs in circles");
+        return;
+    }
+    m_pipeline.work().add(cost::word);
+    const std::uint32_t word = m_list[m_at.next++];
+    m_at.reach = std::max(m_at.reach, m_at.next);
+    execute(word);
+    if (m_pipeline.work().isTooMuch()) {
+        giveUp(Flaw::TooMuchWork, "display list: more to draw than a frame has time for");
+    }
+}
+
+void DisplayListWalker::giveUp(Flaw flaw, const char* text) {
+    complain(flaw, text);
+    m_at.running = false;
 }
 
 void DisplayListWalker::execute(std::uint32_t word) {
@@ -159,7 +168,7 @@ void DisplayListWalker::complain(Flaw flaw, const char* text) {
 // --- control flow
 
 void DisplayListWalker::display(std::uint32_t /*word*/) {
-    m_running = false;
+    m_at.running = false;
 }
 
 void DisplayListWalker::nothing(std::uint32_t /*word*/) {}
@@ -167,10 +176,10 @@ void DisplayListWalker::nothing(std::uint32_t /*word*/) {}
 void DisplayListWalker::goTo(std::uint32_t index) {
     if (index >= displayListWords) {
         complain(Flaw::BadWordIndex, "display list: CALL or JUMP out of the list");
-        m_running = false;
+        m_at.running = false;
         return;
     }
-    m_next = index;
+    m_at.next = index;
 }
 
 void DisplayListWalker::jump(std::uint32_t word) {
@@ -178,21 +187,21 @@ void DisplayListWalker::jump(std::uint32_t word) {
 }
 
 void DisplayListWalker::call(std::uint32_t word) {
-    if (m_returns.size() == deepestNesting) {
+    if (m_at.returns.size() == deepestNesting) {
         complain(Flaw::CallsTooDeep, "display list: CALLs nested too deep");
         return;
     }
-    m_returns.push_back(m_next);
+    m_at.returns.push_back(m_at.next);
     goTo(bits(word, 0, 16));
 }
 
 void DisplayListWalker::returnFromCall(std::uint32_t /*word*/) {
-    if (m_returns.empty()) {
+    if (m_at.returns.empty()) {
         complain(Flaw::ReturnWithoutCall, "display list: RETURN without CALL");
         return;
     }
-    m_next = m_returns.back();
-    m_returns.pop_back();
+    m_at.next = m_at.returns.back();
+    m_at.returns.pop_back();
 }
 
 void DisplayListWalker::macro(std::uint32_t word) {
@@ -217,174 +226,174 @@ void DisplayListWalker::end(std::uint32_t /*word*/) {
 
 void DisplayListWalker::clear(std::uint32_t word) {
     m_assembler.finishEdges();
-    m_pipeline.use(m_state);
+    m_pipeline.use(m_at.state);
     m_pipeline.clear(bits(word, 2, 1) != 0, bits(word, 1, 1) != 0, bits(word, 0, 1) != 0);
 }
 
 void DisplayListWalker::vertex2f(std::uint32_t word) {
-    const int scale = subpixels >> m_state.vertexFraction;
-    const Position place{signedNumber(word, 15, 15) * scale + m_state.translateX,
-                         signedNumber(word, 0, 15) * scale + m_state.translateY};
-    m_assembler.vertex(m_state, place, currentHandle(), m_state.handle, m_state.cell);
+    const int scale = subpixels >> m_at.state.vertexFraction;
+    const Position place{signedNumber(word, 15, 15) * scale + m_at.state.translateX,
+                         signedNumber(word, 0, 15) * scale + m_at.state.translateY};
+    m_assembler.vertex(m_at.state, place, currentHandle(), m_at.state.handle, m_at.state.cell);
 }
 
 void DisplayListWalker::vertex2ii(std::uint32_t word) {
-    const Position place{number(word, 21, 9) * subpixels + m_state.translateX,
-                         number(word, 12, 9) * subpixels + m_state.translateY};
+    const Position place{number(word, 21, 9) * subpixels + m_at.state.translateX,
+                         number(word, 12, 9) * subpixels + m_at.state.translateY};
     const auto handle = static_cast<std::uint8_t>(bits(word, 7, 5));
-    m_assembler.vertex(m_state, place, m_handles[handle], handle,
+    m_assembler.vertex(m_at.state, place, m_handles[handle], handle,
                        static_cast<std::uint8_t>(bits(word, 0, 7)));
 }
 
 // --- contexts
 
 void DisplayListWalker::saveContext(std::uint32_t /*word*/) {
-    if (m_saved.size() == deepestNesting) {
+    if (m_at.saved.size() == deepestNesting) {
         complain(Flaw::ContextsTooDeep, "display list: SAVE_CONTEXT nested too deep");
-        ++m_notSaved;
+        ++m_at.notSaved;
         return;
     }
-    m_saved.push_back(m_state);
+    m_at.saved.push_back(m_at.state);
 }
 
 void DisplayListWalker::restoreContext(std::uint32_t /*word*/) {
-    if (m_notSaved > 0) {
-        --m_notSaved; // the pairs within it and around it stay pairs
+    if (m_at.notSaved > 0) {
+        --m_at.notSaved; // the pairs within it and around it stay pairs
         return;
     }
-    if (m_saved.empty()) {
+    if (m_at.saved.empty()) {
         complain(Flaw::RestoreWithoutSave, "display list: RESTORE_CONTEXT without SAVE_CONTEXT");
-        m_state = initialState(m_generation);
+        m_at.state = initialState(m_generation);
         return;
     }
-    m_state = m_saved.back();
-    m_saved.pop_back();
+    m_at.state = m_at.saved.back();
+    m_at.saved.pop_back();
 }
 
 // --- state
 
 void DisplayListWalker::clearColorRgb(std::uint32_t word) {
-    m_state.clearColor = (m_state.clearColor & ~colorBits) | (word & colorBits);
+    m_at.state.clearColor = (m_at.state.clearColor & ~colorBits) | (word & colorBits);
 }
 
 void DisplayListWalker::clearColorA(std::uint32_t word) {
-    m_state.clearColor = withAlpha(m_state.clearColor, byte(word));
+    m_at.state.clearColor = withAlpha(m_at.state.clearColor, byte(word));
 }
 
 void DisplayListWalker::clearStencil(std::uint32_t word) {
-    m_state.clearStencil = byte(word);
+    m_at.state.clearStencil = byte(word);
 }
 
 void DisplayListWalker::clearTag(std::uint32_t word) {
-    m_state.clearTag = byte(word);
+    m_at.state.clearTag = byte(word);
 }
 
 void DisplayListWalker::colorRgb(std::uint32_t word) {
-    m_state.color = (m_state.color & ~colorBits) | (word & colorBits);
+    m_at.state.color = (m_at.state.color & ~colorBits) | (word & colorBits);
 }
 
 void DisplayListWalker::colorA(std::uint32_t word) {
-    m_state.color = withAlpha(m_state.color, byte(word));
+    m_at.state.color = withAlpha(m_at.state.color, byte(word));
 }
 
 void DisplayListWalker::colorMask(std::uint32_t word) {
-    m_state.colorMask = bits(word, 0, 1) * 0xFF000000 | bits(word, 3, 1) * 0x00FF0000 |
-                        bits(word, 2, 1) * 0x0000FF00 | bits(word, 1, 1) * 0x000000FF;
+    m_at.state.colorMask = bits(word, 0, 1) * 0xFF000000 | bits(word, 3, 1) * 0x00FF0000 |
+                           bits(word, 2, 1) * 0x0000FF00 | bits(word, 1, 1) * 0x000000FF;
 }
 
 void DisplayListWalker::tag(std::uint32_t word) {
-    m_state.tag = byte(word);
+    m_at.state.tag = byte(word);
 }
 
 void DisplayListWalker::tagMask(std::uint32_t word) {
-    m_state.tagging = bits(word, 0, 1) != 0;
+    m_at.state.tagging = bits(word, 0, 1) != 0;
 }
 
 void DisplayListWalker::alphaFunc(std::uint32_t word) {
-    m_state.alphaFunction = bits(word, 8, 3);
-    m_state.alphaReference = byte(word);
+    m_at.state.alphaFunction = bits(word, 8, 3);
+    m_at.state.alphaReference = byte(word);
 }
 
 void DisplayListWalker::stencilFunc(std::uint32_t word) {
-    m_state.stencilFunction = bits(word, 16, 3);
-    m_state.stencilReference = byte(word, 8);
-    m_state.stencilCompareMask = byte(word);
+    m_at.state.stencilFunction = bits(word, 16, 3);
+    m_at.state.stencilReference = byte(word, 8);
+    m_at.state.stencilCompareMask = byte(word);
 }
 
 void DisplayListWalker::stencilOp(std::uint32_t word) {
-    m_state.stencilFail = bits(word, 3, 3);
-    m_state.stencilPass = bits(word, 0, 3);
+    m_at.state.stencilFail = bits(word, 3, 3);
+    m_at.state.stencilPass = bits(word, 0, 3);
 }
 
 void DisplayListWalker::stencilMask(std::uint32_t word) {
-    m_state.stencilWriteMask = byte(word);
+    m_at.state.stencilWriteMask = byte(word);
 }
 
 void DisplayListWalker::blendFunc(std::uint32_t word) {
-    m_state.blendSource = bits(word, 3, 3);
-    m_state.blendDestination = bits(word, 0, 3);
-    if (std::max(m_state.blendSource, m_state.blendDestination) > blend::OneMinusDstAlpha) {
+    m_at.state.blendSource = bits(word, 3, 3);
+    m_at.state.blendDestination = bits(word, 0, 3);
+    if (std::max(m_at.state.blendSource, m_at.state.blendDestination) > blend::OneMinusDstAlpha) {
         complain(Flaw::BadBlendFactor, "display list: unknown blend factor");
     }
 }
 
 void DisplayListWalker::pointSize(std::uint32_t word) {
-    m_state.pointSize = number(word, 0, 13);
+    m_at.state.pointSize = number(word, 0, 13);
 }
 
 void DisplayListWalker::lineWidth(std::uint32_t word) {
-    m_state.lineWidth = number(word, 0, 12);
+    m_at.state.lineWidth = number(word, 0, 12);
 }
 
 void DisplayListWalker::scissorXy(std::uint32_t word) {
-    m_state.scissor.x = isE1() ? number(word, 9, 9) : number(word, 11, 11);
-    m_state.scissor.y = isE1() ? number(word, 0, 9) : number(word, 0, 11);
+    m_at.state.scissor.x = isE1() ? number(word, 9, 9) : number(word, 11, 11);
+    m_at.state.scissor.y = isE1() ? number(word, 0, 9) : number(word, 0, 11);
 }
 
 void DisplayListWalker::scissorSize(std::uint32_t word) {
-    m_state.scissor.width = isE1() ? number(word, 10, 10) : number(word, 12, 12);
-    m_state.scissor.height = isE1() ? number(word, 0, 10) : number(word, 0, 12);
+    m_at.state.scissor.width = isE1() ? number(word, 10, 10) : number(word, 12, 12);
+    m_at.state.scissor.height = isE1() ? number(word, 0, 10) : number(word, 0, 12);
 }
 
 void DisplayListWalker::vertexFormat(std::uint32_t word) {
     constexpr int finest = 4;
-    m_state.vertexFraction = number(word, 0, 3);
-    if (m_state.vertexFraction > finest) {
+    m_at.state.vertexFraction = number(word, 0, 3);
+    if (m_at.state.vertexFraction > finest) {
         complain(Flaw::BadVertexFormat, "display list: VERTEX_FORMAT of more than 4 bits");
-        m_state.vertexFraction = finest;
+        m_at.state.vertexFraction = finest;
     }
 }
 
 void DisplayListWalker::vertexTranslateX(std::uint32_t word) {
-    m_state.translateX = signedNumber(word, 0, 17);
+    m_at.state.translateX = signedNumber(word, 0, 17);
 }
 
 void DisplayListWalker::vertexTranslateY(std::uint32_t word) {
-    m_state.translateY = signedNumber(word, 0, 17);
+    m_at.state.translateY = signedNumber(word, 0, 17);
 }
 
 void DisplayListWalker::bitmapHandle(std::uint32_t word) {
-    m_state.handle = static_cast<std::uint8_t>(bits(word, 0, 5));
+    m_at.state.handle = static_cast<std::uint8_t>(bits(word, 0, 5));
 }
 
 void DisplayListWalker::cell(std::uint32_t word) {
-    m_state.cell = static_cast<std::uint8_t>(bits(word, 0, 7));
+    m_at.state.cell = static_cast<std::uint8_t>(bits(word, 0, 7));
 }
 
 void DisplayListWalker::paletteSource(std::uint32_t word) {
-    m_state.paletteSource = bits(word, 0, 22);
+    m_at.state.paletteSource = bits(word, 0, 22);
 }
 
 // Signed 8.8; on E3 with bit 17 set signed 1.15, which is the state's own unit.
 template<std::int32_t BitmapTransform::*Factor>
 void DisplayListWalker::transformFactor(std::uint32_t word) {
     const bool fine = m_generation == Generation::E3 && bits(word, 17, 1) != 0;
-    m_state.transform.*Factor = signedNumber(word, 0, 17) * (fine ? 1 : 32768 / 256);
+    m_at.state.transform.*Factor = signedNumber(word, 0, 17) * (fine ? 1 : 32768 / 256);
 }
 
 template<std::int32_t BitmapTransform::*Offset>
 void DisplayListWalker::transformOffset(std::uint32_t word) {
-    m_state.transform.*Offset = signedNumber(word, 0, 24);
+    m_at.state.transform.*Offset = signedNumber(word, 0, 24);
 }
 
 // --- state of the current bitmap handle

@@ -23,7 +23,24 @@ public:
                       PixelPipeline& pipeline, PrimitiveAssembler& assembler,
                       Complaints& complaints);
 
-    void walk();
+    // Goes on until the next word is this one, or one behind it, or until the list has ended.
+    void walkTo(std::size_t index);
+
+    // Where a walk stands. One that has gone over the same words may go on from there instead.
+    struct Place {
+        explicit Place(Generation generation) : state(initialState(generation)) {}
+
+        GraphicsState state;
+        std::vector<GraphicsState> saved;
+        std::size_t notSaved = 0;         // contexts that were too many, until they are restored
+        std::vector<std::size_t> returns; // word indices
+        std::size_t next = 0;             // index of the word after the one being executed
+        std::size_t reach = 0;            // behind the furthest word that has been executed
+        int steps = 0;
+        bool running = true;
+    };
+    const Place& place() const { return m_at; }
+    void goOnFrom(const Place& place) { m_at = place; }
 
 private:
     using Handler = void (DisplayListWalker::*)(std::uint32_t word);
@@ -35,10 +52,12 @@ private:
     static std::array<Instruction, instructionCount> makeInstructions();
     static const std::array<Instruction, instructionCount>& instructions();
 
+    void step();
     void execute(std::uint32_t word);
+    void giveUp(Flaw flaw, const char* text);
     void complain(Flaw flaw, const char* text);
     bool isE1() const { return m_generation == Generation::E1; }
-    BitmapHandle& currentHandle() { return m_handles[m_state.handle]; }
+    BitmapHandle& currentHandle() { return m_handles[m_at.state.handle]; }
 
     // Control flow
     void display(std::uint32_t word);
@@ -107,12 +126,7 @@ private:
     PrimitiveAssembler& m_assembler;
     Complaints& m_complaints;
 
-    GraphicsState m_state;
-    std::vector<GraphicsState> m_saved;
-    std::size_t m_notSaved = 0;         // contexts that were too many, until they are restored
-    std::vector<std::size_t> m_returns; // word indices
-    std::size_t m_next = 0;             // index of the word after the one being executed
-    bool m_running = true;
+    Place m_at;
     bool m_inMacro = false;
 };
 

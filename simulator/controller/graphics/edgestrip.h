@@ -26,6 +26,7 @@ public:
     // Draws what waits. The pipeline may use another state afterwards, one that lives as long as
     // this object.
     void finish();
+    bool isWaiting() const { return m_part.reached != 0; }
 
 private:
     // A line of pixels that is reached in part: a column for above and below, else a row.

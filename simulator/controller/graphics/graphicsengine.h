@@ -3,16 +3,31 @@
 #include "frame.h"
 #include "generation.h"
 #include "graphicsmemory.h"
+#include "memorylayout.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace controller {
+
+// What a frame is made of.
+struct Scene {
+    const DisplayList& list;
+    GraphicsMemory memory;
+    std::array<std::uint32_t, 2> macros{}; // the words in the two macro registers
+    int width = 0;
+    int height = 0;
+};
 
 // The part of the chip that walks a display list and draws it: state machine, context stack and
 // rasteriser. Its results are those of integers, so a frame is the same bit for bit on every
 // machine.
+//
+// Frames that follow each other mostly begin with the same words. What those have drawn is kept,
+// and the next frame goes on from there, as long as the memory that was read for it is unchanged.
 //
 // Not modelled, and complained about where a list uses it: the text and bar-graph formats,
 // compressed formats and bitmaps in flash. The chip gives each line of the panel only so much time;
@@ -29,10 +44,15 @@ public:
     // the only state that outlives a frame.
     void reset();
 
-    // Draws the list of `displayListWords` words into `frame` (reusing its storage), `width` x
-    // `height` pixels. `macros` are the words in the two macro registers.
-    void scan(const std::uint32_t* list, const GraphicsMemory& memory,
-              const std::array<std::uint32_t, 2>& macros, int width, int height, Frame& frame);
+    // The frame of a scene, drawn as far as it must be; it stands until the next call.
+    const Frame& draw(const Scene& scene);
+    // Walks over the list for what it leaves behind, without a picture. Returns its complaints.
+    std::vector<std::string> walk(const Scene& scene);
+
+    // Keeps nothing of the frames before: the next is drawn as a first one is.
+    void forget();
+    // What all frames have cost so far, without what was kept of one for the next.
+    std::int64_t workDone() const;
 
 private:
     class State;

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <tuple>
 
 namespace controller {
 
@@ -96,6 +97,16 @@ struct BitmapHandle {
     // Where red, green, blue and alpha come from.
     std::array<std::uint32_t, 4> swizzle{swizzle::Red, swizzle::Green, swizzle::Blue,
                                          swizzle::Alpha};
+
+    friend bool operator==(const BitmapHandle& a, const BitmapHandle& b) {
+        const auto all = [](const BitmapHandle& handle) {
+            return std::tie(handle.source, handle.format, handle.extendedFormat, handle.stride,
+                            handle.strideHigh, handle.layoutHeight, handle.layoutHeightHigh,
+                            handle.bilinear, handle.repeatX, handle.repeatY, handle.width,
+                            handle.widthHigh, handle.height, handle.heightHigh, handle.swizzle);
+        };
+        return all(a) == all(b);
+    }
 };
 
 constexpr std::size_t bitmapHandles = 32;

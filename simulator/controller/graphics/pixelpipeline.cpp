@@ -140,25 +140,13 @@ bool isPlain(const GraphicsState& state) {
 
 } // namespace
 
-PixelPipeline::PixelPipeline(Frame& frame, int width, int height)
-    : m_frame(frame), m_width(std::max(width, 0)), m_height(std::max(height, 0)) {
-    const std::size_t area = offset(0, m_height);
-    frame.picture.width = m_width;
-    frame.picture.height = m_height;
-    frame.picture.pixels.assign(area, 0);
-    frame.tags.assign(area, 0);
-    m_stencil.assign(area, 0);
-    m_pixels = frame.picture.pixels.data();
-    m_tags = frame.tags.data();
-}
-
 void PixelPipeline::use(const GraphicsState& state) {
     m_state = &state;
     m_plain = isPlain(state);
     m_pixelCost = m_plain ? cost::plainPixel : cost::fragment;
     const Scissor& scissor = state.scissor;
-    m_clip = {scissor.x, scissor.y, std::min(scissor.x + scissor.width, m_width),
-              std::min(scissor.y + scissor.height, m_height)};
+    m_clip = {scissor.x, scissor.y, std::min(scissor.x + scissor.width, m_canvas.width()),
+              std::min(scissor.y + scissor.height, m_canvas.height())};
 }
 
 void PixelPipeline::clear(bool color, bool stencil, bool tag) {
@@ -166,6 +154,8 @@ void PixelPipeline::clear(bool color, bool stencil, bool tag) {
         return;
     }
     const auto count = static_cast<std::size_t>(m_clip.right - m_clip.left);
+    std::uint32_t* pixels = m_canvas.pixels();
+    std::uint8_t* stencils = m_canvas.stencil();
     const std::uint32_t mask = m_state->colorMask;
     const std::uint32_t stencilMask = m_state->stencilWriteMask;
     const int kinds = (color ? 1 : 0) + (stencil ? 1 : 0) + (tag ? 1 : 0);
@@ -173,24 +163,25 @@ void PixelPipeline::clear(bool color, bool stencil, bool tag) {
         cost::row + cost::clearedPixel * kinds * static_cast<std::int64_t>(count);
     for (int y = m_clip.top; y < m_clip.bottom && !m_work.isTooMuch(); ++y) {
         m_work.add(rowCost);
-        const std::size_t first = offset(m_clip.left, y);
+        m_canvas.noteDrawn(y, m_clip.left, m_clip.right);
+        const std::size_t first = m_canvas.index(m_clip.left, y);
         if (color && mask == 0xFFFFFFFF) {
-            std::fill_n(m_pixels + first, count, m_state->clearColor);
+            std::fill_n(pixels + first, count, m_state->clearColor);
         } else if (color) {
             for (std::size_t i = first; i < first + count; ++i) {
-                m_pixels[i] = (m_pixels[i] & ~mask) | (m_state->clearColor & mask);
+                pixels[i] = (pixels[i] & ~mask) | (m_state->clearColor & mask);
             }
         }
         if (stencil && stencilMask == 255) {
-            std::memset(m_stencil.data() + first, m_state->clearStencil, count);
+            std::memset(stencils + first, m_state->clearStencil, count);
         } else if (stencil) {
             for (std::size_t i = first; i < first + count; ++i) {
-                m_stencil[i] = static_cast<std::uint8_t>((m_stencil[i] & ~stencilMask) |
-                                                         (m_state->clearStencil & stencilMask));
+                stencils[i] = static_cast<std::uint8_t>((stencils[i] & ~stencilMask) |
+                                                        (m_state->clearStencil & stencilMask));
             }
         }
         if (tag && m_state->tagging) {
-            std::memset(m_tags + first, m_state->clearTag, count);
+            std::memset(m_canvas.tags() + first, m_state->clearTag, count);
         }
     }
 }
@@ -199,10 +190,9 @@ void PixelPipeline::fill(int y, int left, int right) {
     if (left >= right) {
         return;
     }
-    const std::size_t first = offset(left, y);
     const auto count = static_cast<std::size_t>(right - left);
+    const std::size_t first = startRow(y, left, count);
     const std::uint32_t color = m_state->color;
-    addWork(count);
     if (!m_plain) {
         for (std::size_t i = first; i < first + count; ++i) {
             drawFragment(i, color);
@@ -210,19 +200,19 @@ void PixelPipeline::fill(int y, int left, int right) {
         return;
     }
     if (alphaOf(color) == opaque) {
-        std::fill_n(m_pixels + first, count, color);
+        std::fill_n(m_canvas.pixels() + first, count, color);
     } else {
-        blendRow(m_pixels + first, count, [=](BlendBlock& block, std::size_t i, std::size_t) {
-            block.set(i, color, alphaOf(color));
-        });
+        blendRow(m_canvas.pixels() + first, count,
+                 [=](BlendBlock& block, std::size_t i, std::size_t) {
+                     block.set(i, color, alphaOf(color));
+                 });
     }
     fillTags(first, count);
 }
 
 void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t* coverage) {
-    const std::size_t first = offset(left, y);
+    const std::size_t first = startRow(y, left, count);
     const std::uint32_t color = m_state->color;
-    addWork(count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             if (coverage[i] != 0) {
@@ -231,9 +221,9 @@ void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t
         }
         return;
     }
-    blendColor(m_pixels + first, count, color, coverage);
+    blendColor(m_canvas.pixels() + first, count, color, coverage);
     if (m_state->tagging) {
-        std::uint8_t* tags = m_tags + first;
+        std::uint8_t* tags = m_canvas.tags() + first;
         for (std::size_t i = 0; i < count; ++i) {
             tags[i] = coverage[i] != 0 ? m_state->tag : tags[i];
         }
@@ -241,47 +231,43 @@ void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t
 }
 
 void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t* alphas) {
-    const std::size_t first = offset(left, y);
+    const std::size_t first = startRow(y, left, count);
     const std::uint32_t color = m_state->color;
-    addWork(count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             drawFragment(first + i, withAlpha(color, multiplied(alphaOf(color), alphas[i])));
         }
         return;
     }
-    blendColor(m_pixels + first, count, color, alphas);
+    blendColor(m_canvas.pixels() + first, count, color, alphas);
     fillTags(first, count);
 }
 
 void PixelPipeline::paint(int y, int left, std::size_t count, const std::uint32_t* pixels) {
-    const std::size_t first = offset(left, y);
-    addWork(count);
+    const std::size_t first = startRow(y, left, count);
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             drawFragment(first + i, pixels[i]);
         }
         return;
     }
-    blendRow(m_pixels + first, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
-        block.set(i, pixels[at], alphaOf(pixels[at]));
-    });
+    blendRow(m_canvas.pixels() + first, count,
+             [=](BlendBlock& block, std::size_t i, std::size_t at) {
+                 block.set(i, pixels[at], alphaOf(pixels[at]));
+             });
     fillTags(first, count);
 }
 
-void PixelPipeline::finish() {
-    for (std::uint32_t& pixel : m_frame.picture.pixels) {
-        pixel |= 0xFF000000;
-    }
-}
-
-void PixelPipeline::addWork(std::size_t pixels) {
-    m_work.add(cost::row + m_pixelCost * static_cast<std::int64_t>(pixels));
+// A row of pixels is about to be drawn: what it costs, and where in the canvas it begins.
+std::size_t PixelPipeline::startRow(int y, int left, std::size_t count) {
+    m_work.add(cost::row + m_pixelCost * static_cast<std::int64_t>(count));
+    m_canvas.noteDrawn(y, left, left + static_cast<int>(count));
+    return m_canvas.index(left, y);
 }
 
 void PixelPipeline::fillTags(std::size_t first, std::size_t count) {
     if (m_state->tagging) {
-        std::memset(m_tags + first, m_state->tag, count);
+        std::memset(m_canvas.tags() + first, m_state->tag, count);
     }
 }
 
@@ -291,21 +277,23 @@ void PixelPipeline::drawFragment(std::size_t at, std::uint32_t source) {
         return;
     }
     const std::uint32_t mask = m_state->colorMask;
-    m_pixels[at] = (m_pixels[at] & ~mask) | (mixed(source, m_pixels[at]) & mask);
+    std::uint32_t& pixel = m_canvas.pixels()[at];
+    pixel = (pixel & ~mask) | (mixed(source, pixel) & mask);
     if (m_state->tagging) {
-        m_tags[at] = m_state->tag;
+        m_canvas.tags()[at] = m_state->tag;
     }
 }
 
 bool PixelPipeline::passesStencil(std::size_t at) {
     const std::uint32_t mask = m_state->stencilCompareMask;
     const std::uint32_t writeMask = m_state->stencilWriteMask;
-    const std::uint32_t old = m_stencil[at];
+    std::uint8_t& stencil = m_canvas.stencil()[at];
+    const std::uint32_t old = stencil;
     const bool passed =
         passes(m_state->stencilFunction, m_state->stencilReference & mask, old & mask);
     const std::uint32_t next = afterStencilOp(passed ? m_state->stencilPass : m_state->stencilFail,
                                               old, m_state->stencilReference);
-    m_stencil[at] = static_cast<std::uint8_t>((old & ~writeMask) | (next & writeMask));
+    stencil = static_cast<std::uint8_t>((old & ~writeMask) | (next & writeMask));
     return passed;
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "frame.h"
+#include "canvas.h"
 #include "graphicsstate.h"
 #include "work.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace controller {
 
@@ -26,14 +25,14 @@ struct PixelRect {
 // Rows handed in must lie inside clip(), which is the scissor cut to the panel.
 class PixelPipeline {
 public:
-    // Starts a frame of width x height pixels in `frame`, all buffers 0.
-    PixelPipeline(Frame& frame, int width, int height);
+    explicit PixelPipeline(Canvas& canvas) : m_canvas(canvas) {}
 
     // The state to draw with from now on; it must live until the next call.
     void use(const GraphicsState& state);
     const PixelRect& clip() const { return m_clip; }
     // What the frame has cost. Whoever draws more than a row looks whether it is too much.
     Work& work() { return m_work; }
+    const Work& work() const { return m_work; }
 
     void clear(bool color, bool stencil, bool tag);
 
@@ -46,26 +45,14 @@ public:
     // Texels of a bitmap, the state's colour multiplied in already.
     void paint(int y, int left, std::size_t count, const std::uint32_t* pixels);
 
-    // Sets the alpha that a finished picture has.
-    void finish();
-
 private:
-    std::size_t offset(int x, int y) const {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) +
-               static_cast<std::size_t>(x);
-    }
-    void addWork(std::size_t pixels);
+    std::size_t startRow(int y, int left, std::size_t count);
     void fillTags(std::size_t first, std::size_t count);
     void drawFragment(std::size_t at, std::uint32_t source);
     bool passesStencil(std::size_t at);
     std::uint32_t mixed(std::uint32_t source, std::uint32_t destination) const;
 
-    Frame& m_frame;
-    int m_width;
-    int m_height;
-    std::uint32_t* m_pixels;
-    std::uint8_t* m_tags;
-    std::vector<std::uint8_t> m_stencil;
+    Canvas& m_canvas;
     const GraphicsState* m_state = nullptr;
     PixelRect m_clip;
     Work m_work;

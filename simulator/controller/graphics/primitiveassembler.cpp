@@ -35,8 +35,8 @@ int wholePixels(std::int64_t position) {
 
 void PrimitiveAssembler::begin(std::uint32_t primitive) {
     finishEdges();
-    m_primitive = primitive;
-    m_hasPrevious = false;
+    m_at.primitive = primitive;
+    m_at.hasPrevious = false;
     if (primitive > primitive::Rects) {
         m_complaints.add(Flaw::UnknownPrimitive,
                          "display list: unknown primitive " + std::to_string(primitive));
@@ -48,27 +48,27 @@ void PrimitiveAssembler::vertex(const GraphicsState& state, Position place,
                                 std::uint8_t cell) {
     m_pipeline.use(state);
     m_pipeline.work().add(cost::vertex);
-    if (m_primitive == primitive::None || m_primitive > primitive::Rects) {
+    if (m_at.primitive == primitive::None || m_at.primitive > primitive::Rects) {
         m_complaints.add(Flaw::VertexOutsideBegin, "display list: a vertex of no primitive");
         return;
     }
-    if (m_primitive == primitive::Bitmaps) {
+    if (m_at.primitive == primitive::Bitmaps) {
         drawBitmap(state, place, handle, handleNumber, cell);
         return;
     }
-    if (m_primitive == primitive::Points) {
+    if (m_at.primitive == primitive::Points) {
         drawPoint(m_row, place, state.pointSize);
         return;
     }
-    if (m_hasPrevious) {
-        drawSegment(state, m_previous, place);
+    if (m_at.hasPrevious) {
+        drawSegment(state, m_at.previous, place);
     }
-    m_hasPrevious = isStrip(m_primitive) || !m_hasPrevious;
-    m_previous = place;
+    m_at.hasPrevious = isStrip(m_at.primitive) || !m_at.hasPrevious;
+    m_at.previous = place;
 }
 
 void PrimitiveAssembler::drawSegment(const GraphicsState& state, Position from, Position to) {
-    switch (m_primitive) {
+    switch (m_at.primitive) {
     case primitive::Rects:
         return drawRectangle(m_row, from, to, std::max(state.lineWidth, leastRounding));
     case primitive::EdgeStripR:

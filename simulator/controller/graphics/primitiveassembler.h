@@ -25,6 +25,17 @@ public:
 
     void begin(std::uint32_t primitive);
     void end() { begin(primitive::None); }
+
+    // What has been begun. Nothing to go on from while an edge strip waits for its next segment.
+    struct Place {
+        std::uint32_t primitive = primitive::None;
+        bool hasPrevious = false;
+        Position previous;
+    };
+    bool canGoOnFromHere() const { return !m_edges.isWaiting(); }
+    const Place& place() const { return m_at; }
+    void goOnFrom(const Place& place) { m_at = place; }
+
     // Draws what an edge strip has begun and not ended; the pipeline may use another state then.
     void finishEdges() { m_edges.finish(); }
     // A vertex, the state's translation added already. The handle and the cell, which count for
@@ -47,9 +58,7 @@ private:
     Frame& m_frame;
     Complaints& m_complaints;
 
-    std::uint32_t m_primitive = primitive::None;
-    bool m_hasPrevious = false;
-    Position m_previous;
+    Place m_at;
 };
 
 } // namespace controller

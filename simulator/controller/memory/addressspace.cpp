@@ -165,6 +165,7 @@ void AddressSpace::writeBytes(std::uint32_t address, const std::uint8_t* bytes, 
             m_work += length;
             if (stretch.bytes && stretch.writable) {
                 std::memcpy(stretch.bytes, bytes, length);
+                m_memory.noteChanges(address, length);
             }
         }
         address += length;
@@ -172,7 +173,6 @@ void AddressSpace::writeBytes(std::uint32_t address, const std::uint8_t* bytes, 
         count -= length;
     }
     commit();
-    m_memory.noteChanges();
 }
 
 void AddressSpace::fill(std::uint32_t address, std::uint8_t value, std::uint32_t count) {
@@ -189,13 +189,13 @@ void AddressSpace::fill(std::uint32_t address, std::uint8_t value, std::uint32_t
             m_work += length;
             if (stretch.bytes && stretch.writable) {
                 std::memset(stretch.bytes, value, length);
+                m_memory.noteChanges(address, length);
             }
         }
         address += length;
         count -= length;
     }
     commit();
-    m_memory.noteChanges();
 }
 
 void AddressSpace::copy(std::uint32_t destination, std::uint32_t source, std::uint32_t count) {

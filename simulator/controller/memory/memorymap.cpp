@@ -39,11 +39,15 @@ MemoryMap::MemoryMap(Generation generation, const RomImage& romImage)
       m_palette(m_layout.palette.size), m_displayLists{std::vector<std::uint8_t>(displayListBytes),
                                                        std::vector<std::uint8_t>(displayListBytes)},
       m_ring(ringBytes), m_coprocessor(m_layout.coprocessor.size) {
-    m_regions[general] = {m_layout.general, m_general.data(), true, true};
-    m_regions[ring] = {m_layout.ring, m_ring.data(), true, false};
-    m_regions[rom] = {m_layout.rom, m_rom.data(), false, true};
-    m_regions[palette] = {m_layout.palette, m_palette.data(), true, true};
-    m_regions[coprocessor] = {m_layout.coprocessor, m_coprocessor.data(), true, false};
+    const auto changesOf = [this](std::size_t index, const std::vector<std::uint8_t>& bytes) {
+        m_pageChanges[index].resize(pagesOf(bytes.size()));
+        return m_pageChanges[index].data();
+    };
+    m_regions[general] = {m_layout.general, m_general.data(), true, changesOf(0, m_general)};
+    m_regions[ring] = {m_layout.ring, m_ring.data()};
+    m_regions[rom] = {m_layout.rom, m_rom.data(), false, changesOf(1, m_rom)};
+    m_regions[palette] = {m_layout.palette, m_palette.data(), true, changesOf(2, m_palette)};
+    m_regions[coprocessor] = {m_layout.coprocessor, m_coprocessor.data()};
     selectDisplayList();
 }
 
@@ -54,11 +58,13 @@ void MemoryMap::clear() {
     }
     m_written = 0;
     selectDisplayList();
-    ++m_pictureChanges;
+    for (const RegionIndex index : {general, palette}) {
+        noteChanges(m_regions[index], 0, m_regions[index].span.size);
+    }
 }
 
 void MemoryMap::selectDisplayList() {
-    m_regions[displayList] = {m_layout.displayList, m_displayLists[m_written].data(), true, false};
+    m_regions[displayList] = {m_layout.displayList, m_displayLists[m_written].data()};
 }
 
 const MemoryMap::Region* MemoryMap::find(std::uint32_t address) const {
@@ -68,6 +74,21 @@ const MemoryMap::Region* MemoryMap::find(std::uint32_t address) const {
         }
     }
     return nullptr;
+}
+
+void MemoryMap::noteChanges(std::uint32_t address, std::uint32_t length) {
+    if (const Region* region = find(address)) {
+        noteChanges(*region, address - region->span.base, length);
+    }
+}
+
+void MemoryMap::noteChanges(const Region& region, std::uint32_t offset, std::uint32_t length) {
+    if (region.changes == nullptr || length == 0) {
+        return;
+    }
+    ++m_moment;
+    std::fill(region.changes + offset / pageBytes,
+              region.changes + (offset + length - 1) / pageBytes + 1, m_moment);
 }
 
 std::uint8_t MemoryMap::read8(std::uint32_t address) const {
@@ -89,9 +110,7 @@ void MemoryMap::write8(std::uint32_t address, std::uint8_t value) {
         return;
     }
     region->bytes[address - region->span.base] = value;
-    if (region->inPictures) {
-        ++m_pictureChanges;
-    }
+    noteChanges(*region, address - region->span.base, 1);
 }
 
 void MemoryMap::write32(std::uint32_t address, std::uint32_t value) {
@@ -103,7 +122,7 @@ void MemoryMap::write32(std::uint32_t address, std::uint32_t value) {
 void MemoryMap::putChipId(std::uint32_t word) {
     const Region* region = find(chipIdAddress);
     putLittleEndian(region->bytes + (chipIdAddress - region->span.base), word);
-    ++m_pictureChanges;
+    noteChanges(chipIdAddress, 4);
 }
 
 MemoryMap::Stretch MemoryMap::stretchAt(std::uint32_t address) const {
@@ -152,9 +171,10 @@ void MemoryMap::readShownList(DisplayList& words) const {
 GraphicsMemory MemoryMap::graphicsView() const {
     const auto view = [this](RegionIndex index) {
         const Region& region = m_regions[index];
-        return GraphicsMemory::Region{region.span.base, region.bytes, region.span.size};
+        return GraphicsMemory::Region{region.span.base, region.bytes, region.span.size,
+                                      region.changes};
     };
-    return {view(general), view(rom), view(palette)};
+    return {view(general), view(rom), view(palette), m_moment};
 }
 
 } // namespace controller

@@ -44,8 +44,8 @@ public:
         std::uint32_t length = 0; // at least 1
     };
     Stretch stretchAt(std::uint32_t address) const;
-    // To be called by whoever wrote through a Stretch.
-    void noteChanges() { ++m_pictureChanges; }
+    // To be called by whoever wrote `length` bytes at `address` through a Stretch.
+    void noteChanges(std::uint32_t address, std::uint32_t length);
 
     std::uint32_t ringWord(std::uint32_t offset) const;
     void setRingWord(std::uint32_t offset, std::uint32_t word);
@@ -55,19 +55,19 @@ public:
     // The words of the list that the last exchange put away.
     void readShownList(DisplayList& words) const;
 
+    // The memory that pictures are made from, as it is now.
     GraphicsMemory graphicsView() const;
-    // Counts changes of the memory that pictures are made from.
-    std::uint64_t pictureChanges() const { return m_pictureChanges; }
 
 private:
     struct Region {
         Span span;
         std::uint8_t* bytes = nullptr;
         bool writable = true;
-        bool inPictures = false; // the graphics engine can read it
+        std::uint64_t* changes = nullptr; // of each page; null: the graphics engine can't read it
     };
 
     const Region* find(std::uint32_t address) const;
+    void noteChanges(const Region& region, std::uint32_t offset, std::uint32_t length);
     void selectDisplayList();
 
     MemoryLayout m_layout;
@@ -79,7 +79,8 @@ private:
     std::vector<std::uint8_t> m_ring;
     std::vector<std::uint8_t> m_coprocessor;
     std::array<Region, 6> m_regions;
-    std::uint64_t m_pictureChanges = 0;
+    std::array<std::vector<std::uint64_t>, 3> m_pageChanges; // of general memory, ROM and palette
+    std::uint64_t m_moment = 0;                              // counts their changes
 };
 
 } // namespace controller

@@ -25,15 +25,25 @@ protected:
 };
 
 TEST_F(DisplayTest, ThePictureIsNotDrawnAgainWhileNothingChanges) {
-    show({0x26000007});
+    // A bitmap of one texel at address 0
+    const V list{0x26000007,
+                 0x01000000,
+                 0x07000000U | 3U << 19U | 1U << 9U | 1U,
+                 0x08000000U | 1U << 9U | 1U,
+                 0x1F000001,
+                 point(0, 0)};
+    show(list);
+    show(list); // handles are now as it leaves them
     const std::uint32_t* pixels = host.chip.frame().picture.pixels.data();
     const_cast<std::uint32_t*>(pixels)[0] = 0x12345678; // a mark that a new drawing would wipe out
     host.waitFrames(5);
     EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0x12345678U);
-    show({0x26000007}); // the same list again
+    show(list);
     EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0x12345678U);
-    host.write8(0, 1); // memory that a picture may be made from
-    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0xFF000000U);
+    host.write8(100000, 1); // memory that the picture is not made from
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0x12345678U);
+    host.write8(0, 1); // and memory that it is
+    EXPECT_EQ(host.chip.frame().picture.at(0, 0), 0xFF010101U);
 }
 
 TEST_F(DisplayTest, AChangedBitmapShowsInTheSameList) {

@@ -227,7 +227,7 @@ TEST(BadWords, FieldsWithNoMeaningAreComplainedAbout) {
 TEST(BadLists, WithoutDisplayTheyEndAtTheLastWord) {
     Scanner scanner;
     const std::vector<std::uint32_t> list(displayListWords, colorRgb(0));
-    EXPECT_THAT(scanner.scanWhole(1, 1, list).complaints, ElementsAre(HasSubstr("DISPLAY")));
+    EXPECT_THAT(scanner.scan(1, 1, list).complaints, ElementsAre(HasSubstr("DISPLAY")));
 }
 
 TEST(BadLists, JumpsOutOfTheListEndIt) {
@@ -273,7 +273,7 @@ TEST(BadLists, RandomWordsNeitherCrashNorHang) {
                     word = begin(next() % 10);
                 }
             }
-            const Frame& frame = scanner.scanWhole(120, 68, list);
+            const Frame& frame = scanner.scan(120, 68, list);
             EXPECT_EQ(frame.picture.pixels.size(), 120U * 68U);
         }
     }

@@ -50,31 +50,30 @@ class Scanner {
 public:
     explicit Scanner(Generation generation = Generation::E3)
         : m_generation(generation), m_engine(generation),
-          m_general(generation == Generation::E1 ? 256 * 1024 : 1024 * 1024), m_palette(1024) {}
+          m_general(generation == Generation::E1 ? 256 * 1024 : 1024 * 1024),
+          m_changes(pagesOf(m_general.size())), m_palette(1024),
+          m_noChanges(pagesOf(romImage(generation).size)) {}
 
     GraphicsEngine& engine() { return m_engine; }
     std::array<std::uint32_t, 2>& macros() { return m_macros; }
     std::vector<std::uint8_t>& palette() { return m_palette; }
     void store(std::size_t address, std::initializer_list<int> bytes) {
+        ++m_moment;
         for (const int byte : bytes) {
+            m_changes.at(address / pageBytes) = m_moment;
             m_general.at(address++) = static_cast<std::uint8_t>(byte);
         }
     }
 
     // Scans the words, which need not end with DISPLAY.
     const Frame& scan(int width, int height, const std::vector<std::uint32_t>& list) {
-        std::vector<std::uint32_t> whole(displayListWords);
+        DisplayList whole{};
         std::copy_n(list.begin(), std::min(list.size(), whole.size()), whole.begin());
-        return scanWhole(width, height, whole);
-    }
-
-    // Scans a list of exactly displayListWords words as it is.
-    const Frame& scanWhole(int width, int height, const std::vector<std::uint32_t>& list) {
         const RomImage rom = romImage(m_generation);
-        const GraphicsMemory memory({0, m_general.data(), m_general.size()},
-                                    {rom.base, rom.data, rom.size}, paletteRegion());
-        m_engine.scan(list.data(), memory, m_macros, width, height, m_frame);
-        return m_frame;
+        const GraphicsMemory memory({0, m_general.data(), m_general.size(), m_changes.data()},
+                                    {rom.base, rom.data, rom.size, m_noChanges.data()},
+                                    paletteRegion(), m_moment);
+        return m_engine.draw({whole, memory, m_macros, width, height});
     }
 
 private:
@@ -88,9 +87,11 @@ private:
     Generation m_generation;
     GraphicsEngine m_engine;
     std::vector<std::uint8_t> m_general;
+    std::vector<std::uint64_t> m_changes;
     std::vector<std::uint8_t> m_palette; // E1 only
+    std::vector<std::uint64_t> m_noChanges;
+    std::uint64_t m_moment = 0;
     std::array<std::uint32_t, 2> m_macros{};
-    Frame m_frame;
 };
 
 } // namespace controller
