@@ -61,7 +61,7 @@ Controller::Chip::Chip(Generation generation, const Options& options)
     : m_generation(generation), m_memory(generation, romImage(generation)), m_registers(generation),
       m_bus(generation, m_memory, *this), m_host(*this), m_power(generation),
       m_flash(generation == Generation::E3 ? options.flashSize : 0),
-      m_display(generation, m_memory, m_registers,
+      m_display(generation, options.vectors, m_memory, m_registers,
                 [this](const std::string& text) { complain(text); }),
       m_coprocessor(generation, m_memory, m_bus, m_registers, m_flash, *this) {}
 

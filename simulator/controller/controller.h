@@ -2,6 +2,7 @@
 
 #include "frame.h"
 #include "generation.h"
+#include "rowloops.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -42,7 +43,8 @@ struct PanelState {
 };
 
 struct Options {
-    std::size_t flashSize = 0; // bytes behind an E3 controller; 0: no flash chip fitted
+    std::size_t flashSize = 0;         // bytes behind an E3 controller; 0: no flash chip fitted
+    Vectors vectors = widestVectors(); // what to draw with; the pictures are the same
 };
 
 // A software model of the display controller with its panel.

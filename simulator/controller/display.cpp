@@ -14,10 +14,10 @@ int largestSide(Generation generation) {
 
 } // namespace
 
-Display::Display(Generation generation, const MemoryMap& memory, const Registers& registers,
-                 Complain complain)
+Display::Display(Generation generation, Vectors vectors, const MemoryMap& memory,
+                 const Registers& registers, Complain complain)
     : m_generation(generation), m_memory(memory), m_registers(registers),
-      m_complain(std::move(complain)), m_engine(generation) {
+      m_complain(std::move(complain)), m_engine(generation, vectors) {
     reset();
 }
 

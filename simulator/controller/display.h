@@ -22,8 +22,8 @@ class Display {
 public:
     using Complain = std::function<void(const std::string&)>;
 
-    Display(Generation generation, const MemoryMap& memory, const Registers& registers,
-            Complain complain);
+    Display(Generation generation, Vectors vectors, const MemoryMap& memory,
+            const Registers& registers, Complain complain);
 
     void reset(); // an empty list, handles as after power-on
     void show(const DisplayList& list);

@@ -19,8 +19,8 @@ using controller::Picture;
 class ScreensOnModel : public OnModel, public testing::WithParamInterface<Screen> {
 protected:
     // The screen as the panel shows it, but for where the wait screen's spinner turns.
-    Picture shownOn(Generation generation) {
-        bringUp(generation);
+    Picture shownOn(Generation generation, const controller::Options& options = {}) {
+        bringUp(generation, options);
         modelboard::pass(milliseconds(50));
         GetParam().show(&host);
         modelboard::pass(milliseconds(50));
@@ -55,6 +55,15 @@ TEST_P(ScreensOnModel, LookTheSameOnEveryGeneration) {
         }
     }
     keepOnFailure(onE3, GetParam().name + "-E3");
+}
+
+TEST_P(ScreensOnModel, LookTheSameWithAllVectorsOfTheMachine) {
+    const Picture shown = shownOn(Generation::E3);
+    for (const controller::Vectors vectors : controller::vectorsHere()) {
+        controller::Options options;
+        options.vectors = vectors;
+        EXPECT_TRUE(shownOn(Generation::E3, options) == shown) << static_cast<int>(vectors);
+    }
 }
 
 class StartLogoOnModel : public OnModel, public testing::WithParamInterface<Generation> {

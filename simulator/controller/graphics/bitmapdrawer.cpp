@@ -71,10 +71,6 @@ void paintRow(const Drawing& drawing, int y, std::size_t count) {
         std::transform(pixels, pixels + count, pixels,
                        [&](std::uint32_t p) { return swizzled(p, drawing.swizzle); });
     }
-    if (drawing.color != 0xFFFFFFFF) {
-        std::transform(pixels, pixels + count, pixels,
-                       [&](std::uint32_t p) { return modulated(p, drawing.color); });
-    }
     drawing.pipeline.paint(y, drawing.within.left, count, pixels);
 }
 

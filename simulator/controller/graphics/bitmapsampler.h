@@ -33,6 +33,8 @@ public:
         const std::size_t offset = static_cast<std::size_t>(t) * m_stride;
         return m_all != nullptr ? m_all + offset : single(offset);
     }
+    // The first row, the others behind it in steps of the stride; null when not all are mapped.
+    const std::uint8_t* all() const { return m_all; }
     bool missed() const { return m_missed; }
 
 private:
@@ -93,14 +95,16 @@ struct IndexRange {
 // The indices i below `count` for which 0 <= start + i * step < limit.
 inline IndexRange indicesInside(std::int64_t start, std::int64_t step, std::int64_t limit,
                                 int count) {
+    const std::int64_t last = start + (count - 1) * step;
+    if (std::min(start, last) >= 0 && std::max(start, last) < limit) {
+        return {0, count}; // mostly
+    }
     std::int64_t first = 0;
-    std::int64_t end = count;
-    if (step == 0) {
-        end = start >= 0 && start < limit ? count : 0;
-    } else if (step > 0) {
+    std::int64_t end = 0;
+    if (step > 0) {
         first = ceilQuotient(-start, step);
         end = ceilQuotient(limit - start, step);
-    } else {
+    } else if (step < 0) {
         first = floorQuotient(start - limit, -step) + 1;
         end = floorQuotient(start, -step) + 1;
     }
@@ -117,6 +121,11 @@ inline IndexRange indicesInside(const RowWalk& walk, int columns, int lines) {
 }
 
 // Samples rows of a bitmap whose texels `Texels` reads.
+//
+// A row falls into three parts: before the bitmap, inside of it and behind it. Inside, texels are
+// read as they come; before and behind, the bitmap is repeated or its border made transparent. Rows
+// of samples that stay in one row or in one column of the bitmap are the usual ones and read it
+// straight.
 template<typename Texels>
 class Sampler {
 public:
@@ -134,85 +143,106 @@ public:
     }
 
 private:
+    // Sets the values of a range to what `take` (s, t) gives.
+    template<typename Take>
+    static void each(const RowWalk& walk, IndexRange range, Value* values, Take take) {
+        std::int64_t s = walk.s + range.first * walk.stepS;
+        std::int64_t t = walk.t + range.first * walk.stepT;
+        for (int i = range.first; i < range.end; ++i, s += walk.stepS, t += walk.stepT) {
+            values[i] = take(s, t);
+        }
+    }
+
     void sampleNearest(const RowWalk& walk, Value* values) {
         const IndexRange inside = indicesInside(walk, m_bitmap.width, m_bitmap.height);
-        sampleEachNearest(walk, 0, inside.first, values);
-        if (walk.stepT == 0 && inside.first < inside.end) {
-            sampleAlongRow(walk, inside, values);
-        } else {
-            for (int i = inside.first; i < inside.end; ++i) {
-                values[i] = texel((walk.s + i * walk.stepS) >> texelBits,
-                                  (walk.t + i * walk.stepT) >> texelBits);
+        outsideNearest(walk, {0, inside.first}, values);
+        if (inside.first < inside.end) {
+            insideNearest(walk, inside, values);
+        }
+        outsideNearest(walk, {inside.end, walk.count}, values);
+    }
+
+    void insideNearest(const RowWalk& walk, IndexRange range, Value* values) {
+        if (walk.stepT == 0) {
+            const std::uint8_t* row = m_rows(walk.t >> texelBits);
+            if (walk.stepS == oneTexel) {
+                auto x = static_cast<std::uint32_t>(walk.s >> texelBits) +
+                         static_cast<std::uint32_t>(range.first);
+                for (int i = range.first; i < range.end; ++i) {
+                    values[i] = m_texels(row, x++);
+                }
+                return;
             }
+            each(walk, range, values,
+                 [&](std::int64_t s, std::int64_t) { return m_texels(row, column(s)); });
+        } else if (const std::uint8_t* all = m_rows.all(); walk.stepS == 0 && all != nullptr) {
+            const std::uint32_t x = column(walk.s);
+            const std::size_t stride = m_bitmap.stride;
+            each(walk, range, values, [&](std::int64_t, std::int64_t t) {
+                return m_texels(all + static_cast<std::size_t>(t >> texelBits) * stride, x);
+            });
+        } else {
+            each(walk, range, values, [&](std::int64_t s, std::int64_t t) {
+                return texel(s >> texelBits, t >> texelBits);
+            });
         }
-        sampleEachNearest(walk, inside.end, walk.count, values);
     }
 
-    // All samples lie in one row of the bitmap.
-    void sampleAlongRow(const RowWalk& walk, IndexRange range, Value* values) {
-        const std::uint8_t* row = m_rows(walk.t >> texelBits);
-        std::int64_t s = walk.s + range.first * walk.stepS;
-        for (int i = range.first; i < range.end; ++i, s += walk.stepS) {
-            values[i] = m_texels(row, static_cast<std::uint32_t>(s >> texelBits));
-        }
-    }
-
-    // Samples that may lie outside the bitmap.
-    void sampleEachNearest(const RowWalk& walk, int first, int end, Value* values) {
+    void outsideNearest(const RowWalk& walk, IndexRange range, Value* values) {
         if (!m_bitmap.repeatX && !m_bitmap.repeatY) {
-            std::fill(values + first, values + end, Value{0});
+            std::fill(values + range.first, values + range.end, Value{0});
             return;
         }
-        for (int i = first; i < end; ++i) {
-            values[i] = wrappedTexel((walk.s + i * walk.stepS) >> texelBits,
-                                     (walk.t + i * walk.stepT) >> texelBits);
-        }
+        each(walk, range, values, [&](std::int64_t s, std::int64_t t) {
+            return wrappedTexel(s >> texelBits, t >> texelBits);
+        });
     }
 
     void sampleBilinear(const RowWalk& walk, Value* values) {
-        if (walk.stepT == 0 && fraction(walk.t) == 0) {
-            sampleBilinearAlongRow(walk, values);
+        if (walk.stepT == 0 && fraction(walk.t) == 0) { // on one row of texels
+            const auto alongRow = [](auto read) {
+                return [read](std::int64_t s, std::int64_t t) {
+                    const std::int64_t x = s >> texelBits;
+                    const std::int64_t y = t >> texelBits;
+                    return mixed(read(x, y), read(x + 1, y), fraction(s));
+                };
+            };
+            const IndexRange inside = indicesInside(walk, m_bitmap.width - 1, m_bitmap.height);
+            eachBilinear(walk, inside, values, alongRow);
             return;
         }
-        // Inside, the neighbours to the right and below exist too.
+        const auto betweenFour = [](auto read) {
+            return [read](std::int64_t s, std::int64_t t) {
+                const std::int64_t x = s >> texelBits;
+                const std::int64_t y = t >> texelBits;
+                const std::uint32_t fractionX = fraction(s);
+                return mixed(mixed(read(x, y), read(x + 1, y), fractionX),
+                             mixed(read(x, y + 1), read(x + 1, y + 1), fractionX), fraction(t));
+            };
+        };
         const IndexRange inside = indicesInside(walk, m_bitmap.width - 1, m_bitmap.height - 1);
-        for (int i = 0; i < walk.count; ++i) {
-            const std::int64_t s = walk.s + i * walk.stepS;
-            const std::int64_t t = walk.t + i * walk.stepT;
-            const std::int64_t x = s >> texelBits;
-            const std::int64_t y = t >> texelBits;
-            const std::uint32_t fractionX = fraction(s);
-            const std::uint32_t fractionY = fraction(t);
-            if (i >= inside.first && i < inside.end) {
-                values[i] =
-                    mixed(mixed(texel(x, y), texel(x + 1, y), fractionX),
-                          mixed(texel(x, y + 1), texel(x + 1, y + 1), fractionX), fractionY);
-            } else {
-                values[i] =
-                    mixed(mixed(wrappedTexel(x, y), wrappedTexel(x + 1, y), fractionX),
-                          mixed(wrappedTexel(x, y + 1), wrappedTexel(x + 1, y + 1), fractionX),
-                          fractionY);
-            }
-        }
+        eachBilinear(walk, inside, values, betweenFour);
     }
 
-    // All samples lie on one row of the bitmap.
-    void sampleBilinearAlongRow(const RowWalk& walk, Value* values) {
-        const IndexRange inside = indicesInside(walk, m_bitmap.width - 1, m_bitmap.height);
-        const std::int64_t y = walk.t >> texelBits;
-        for (int i = 0; i < walk.count; ++i) {
-            const std::int64_t s = walk.s + i * walk.stepS;
-            const std::int64_t x = s >> texelBits;
-            const bool isInside = i >= inside.first && i < inside.end;
-            const Value left = isInside ? texel(x, y) : wrappedTexel(x, y);
-            const Value right = isInside ? texel(x + 1, y) : wrappedTexel(x + 1, y);
-            values[i] = mixed(left, right, fraction(s));
-        }
+    // `inside`: where the neighbours to the right and below exist too. `mix` makes of a way to read
+    // texels one to take samples.
+    template<typename Mix>
+    void eachBilinear(const RowWalk& walk, IndexRange inside, Value* values, Mix mix) {
+        const auto plain = mix([this](std::int64_t x, std::int64_t y) { return texel(x, y); });
+        const auto wrapping =
+            mix([this](std::int64_t x, std::int64_t y) { return wrappedTexel(x, y); });
+        each(walk, {0, inside.first}, values, wrapping);
+        each(walk, inside, values, plain);
+        each(walk, {inside.end, walk.count}, values, wrapping);
     }
 
     // In 1/256 texel.
     static std::uint32_t fraction(std::int64_t coordinate) {
         return static_cast<std::uint32_t>(coordinate >> (texelBits - 8) & 255);
+    }
+
+    static std::uint32_t column(std::int64_t s) {
+        return static_cast<std::uint32_t>(s >> texelBits);
     }
 
     Value texel(std::int64_t x, std::int64_t y) {
@@ -221,10 +251,10 @@ private:
 
     // Outside the bitmap: the texel of the repeated picture, or the nearest one made transparent.
     Value wrappedTexel(std::int64_t x, std::int64_t y) {
-        const std::int64_t column = wrapped(x, m_bitmap.width, m_bitmap.repeatX);
-        const std::int64_t line = wrapped(y, m_bitmap.height, m_bitmap.repeatY);
-        const bool outside = (!m_bitmap.repeatX && column != x) || (!m_bitmap.repeatY && line != y);
-        const Value value = texel(column, line);
+        const std::int64_t nearX = wrapped(x, m_bitmap.width, m_bitmap.repeatX);
+        const std::int64_t nearY = wrapped(y, m_bitmap.height, m_bitmap.repeatY);
+        const bool outside = (!m_bitmap.repeatX && nearX != x) || (!m_bitmap.repeatY && nearY != y);
+        const Value value = texel(nearX, nearY);
         return outside ? madeTransparent(value) : value;
     }
 

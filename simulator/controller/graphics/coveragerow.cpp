@@ -70,7 +70,8 @@ void CoverageRow::draw(int y) {
     }
     if (m_beginnings.end < m_ends.first) {
         drawEach(y, m_beginnings, 0);
-        drawAlike(y, {m_beginnings.end, m_ends.first});
+        m_pipeline.fill(y, m_left + m_beginnings.end, m_left + m_ends.first,
+                        asFraction255(m_lines * rowUnits));
         drawEach(y, m_ends, m_lines * rowUnits);
     } else {
         drawEach(y, {m_beginnings.first, m_ends.end}, 0);
@@ -92,16 +93,6 @@ void CoverageRow::drawEach(int y, const Pixels& pixels, std::int32_t coverageBef
     if (first < end) {
         m_pipeline.cover(y, m_left + pixels.first, end - first, &m_coverage[first]);
     }
-}
-
-void CoverageRow::drawAlike(int y, const Pixels& pixels) {
-    if (m_lines == linesPerRow) {
-        m_pipeline.fill(y, m_left + pixels.first, m_left + pixels.end);
-        return;
-    }
-    const auto count = static_cast<std::size_t>(pixels.end - pixels.first);
-    std::fill_n(m_coverage.begin(), count, asFraction255(m_lines * rowUnits));
-    m_pipeline.cover(y, m_left + pixels.first, count, m_coverage.data());
 }
 
 } // namespace controller

@@ -54,7 +54,6 @@ private:
 
     void addEdge(std::uint32_t position, int weight);
     void drawEach(int y, const Pixels& pixels, std::int32_t coverageBefore);
-    void drawAlike(int y, const Pixels& pixels);
 
     PixelPipeline& m_pipeline;
     int m_left = 0;

@@ -86,7 +86,8 @@ std::size_t commonWords(const DisplayList& a, const DisplayList& b) {
 
 class GraphicsEngine::State {
 public:
-    explicit State(Generation generation) : m_generation(generation), m_checkpoint(generation) {
+    State(Generation generation, const RowLoops& loops)
+        : m_generation(generation), m_loops(loops), m_checkpoint(generation) {
         reset();
     }
 
@@ -118,6 +119,7 @@ private:
     void keep(const Drawing& drawing, const BitmapHandles& handlesBefore);
 
     Generation m_generation;
+    const RowLoops& m_loops;
     BitmapHandles m_handles;
     std::int64_t m_workDone = 0;
 
@@ -140,8 +142,8 @@ private:
 // The parts that draw one list.
 struct GraphicsEngine::State::Drawing {
     Drawing(Generation generation, const Scene& drawnScene, const GraphicsMemory& watchedMemory,
-            BitmapHandles& handles, Canvas& canvas, Frame& drawnFrame)
-        : scene(drawnScene), memory(watchedMemory), frame(drawnFrame), pipeline(canvas),
+            BitmapHandles& handles, Canvas& canvas, const RowLoops& loops, Frame& drawnFrame)
+        : scene(drawnScene), memory(watchedMemory), frame(drawnFrame), pipeline(canvas, loops),
           assembler(generation, memory, pipeline, frame, complaints),
           walker(generation, scene.list.data(), scene.macros, handles, pipeline, assembler,
                  complaints) {}
@@ -170,7 +172,7 @@ const Frame& GraphicsEngine::State::draw(const Scene& scene) {
     const BitmapHandles handlesBefore = m_handles;
     GraphicsMemory memory = scene.memory;
     memory.noteReads(m_reads);
-    Drawing drawing(m_generation, scene, memory, m_handles, m_canvas, m_frame);
+    Drawing drawing(m_generation, scene, memory, m_handles, m_canvas, m_loops, m_frame);
     if (canGoOn(scene)) {
         m_place.follow(common);
         goOn(drawing);
@@ -251,14 +253,14 @@ void GraphicsEngine::State::keep(const Drawing& drawing, const BitmapHandles& ha
 std::vector<std::string> GraphicsEngine::State::walk(const Scene& scene) {
     Canvas noCanvas;
     Frame noFrame;
-    Drawing drawing(m_generation, scene, scene.memory, m_handles, noCanvas, noFrame);
+    Drawing drawing(m_generation, scene, scene.memory, m_handles, noCanvas, m_loops, noFrame);
     drawing.finish();
     m_workDone += noFrame.work;
     return noFrame.complaints;
 }
 
-GraphicsEngine::GraphicsEngine(Generation generation)
-    : m_state(std::make_unique<State>(generation)) {}
+GraphicsEngine::GraphicsEngine(Generation generation, Vectors vectors)
+    : m_state(std::make_unique<State>(generation, rowLoops(vectors))) {}
 
 GraphicsEngine::~GraphicsEngine() = default;
 

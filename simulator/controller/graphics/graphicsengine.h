@@ -4,6 +4,7 @@
 #include "generation.h"
 #include "graphicsmemory.h"
 #include "memorylayout.h"
+#include "rowloops.h"
 
 #include <array>
 #include <cstdint>
@@ -35,7 +36,7 @@ struct Scene {
 // window at a fraction of a pixel are not smoothed.
 class GraphicsEngine {
 public:
-    explicit GraphicsEngine(Generation generation);
+    explicit GraphicsEngine(Generation generation, Vectors vectors = widestVectors());
     ~GraphicsEngine();
     GraphicsEngine(const GraphicsEngine&) = delete;
     GraphicsEngine& operator=(const GraphicsEngine&) = delete;

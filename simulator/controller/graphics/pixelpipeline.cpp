@@ -3,7 +3,6 @@
 #include "pixelmath.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace controller {
@@ -71,66 +70,6 @@ std::uint32_t blendFactor(std::uint32_t factor, std::uint32_t sourceAlpha,
     }
 }
 
-// --- the usual blend, for whole rows
-
-// Rows are blended in blocks, whose sources and weights are laid out like the pixels: the loop
-// over their bytes is one that compilers turn into vector instructions.
-struct BlendBlock {
-    static constexpr std::size_t size = 64; // pixels
-    std::array<std::uint32_t, size> sources;
-    std::array<std::uint32_t, size> weights; // the source's alpha in each channel
-
-    void set(std::size_t i, std::uint32_t rgb, std::uint32_t alpha) {
-        sources[i] = withAlpha(rgb, alpha);
-        weights[i] = alpha | alpha << 8 | alpha << 16 | alpha << 24;
-    }
-
-    void blendInto(std::uint32_t* pixels, std::size_t count) const {
-        blendBytes(reinterpret_cast<std::uint8_t*>(pixels),
-                   reinterpret_cast<const std::uint8_t*>(sources.data()),
-                   reinterpret_cast<const std::uint8_t*>(weights.data()), count * sizeof *pixels);
-    }
-
-private:
-    // Rounds like mixed() does, so that a weight of 0 leaves a byte as it is.
-    static void blendBytes(std::uint8_t* destination, const std::uint8_t* source,
-                           const std::uint8_t* weight, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const auto sum = static_cast<std::uint16_t>(source[i] * weight[i] +
-                                                        destination[i] * (255 - weight[i]) + 128);
-            destination[i] = static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
-        }
-    }
-};
-
-// Blends `count` pixels; `setPixel` (block, index in the block, index in the row) says with what.
-template<typename SetPixel>
-void blendRow(std::uint32_t* pixels, std::size_t count, SetPixel setPixel) {
-    BlendBlock block;
-    for (std::size_t done = 0; done < count; done += BlendBlock::size) {
-        const std::size_t now = std::min(BlendBlock::size, count - done);
-        for (std::size_t i = 0; i < now; ++i) {
-            setPixel(block, i, done + i);
-        }
-        block.blendInto(pixels + done, now);
-    }
-}
-
-// Blends a colour in, its alpha scaled by that of each pixel.
-void blendColor(std::uint32_t* pixels, std::size_t count, std::uint32_t color,
-                const std::uint8_t* alphas) {
-    const std::uint32_t colorAlpha = alphaOf(color);
-    if (colorAlpha == opaque) {
-        blendRow(pixels, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
-            block.set(i, color, alphas[at]);
-        });
-    } else {
-        blendRow(pixels, count, [=](BlendBlock& block, std::size_t i, std::size_t at) {
-            block.set(i, color, multiplied(colorAlpha, alphas[at]));
-        });
-    }
-}
-
 // Nothing but the usual blend into all channels.
 bool isPlain(const GraphicsState& state) {
     return state.alphaFunction == test::Always && state.stencilFunction == test::Always &&
@@ -186,26 +125,24 @@ void PixelPipeline::clear(bool color, bool stencil, bool tag) {
     }
 }
 
-void PixelPipeline::fill(int y, int left, int right) {
+void PixelPipeline::fill(int y, int left, int right, std::uint8_t coverage) {
     if (left >= right) {
         return;
     }
     const auto count = static_cast<std::size_t>(right - left);
     const std::size_t first = startRow(y, left, count);
-    const std::uint32_t color = m_state->color;
+    const std::uint32_t alpha = multiplied(alphaOf(m_state->color), coverage);
+    const std::uint32_t color = withAlpha(m_state->color, alpha);
     if (!m_plain) {
         for (std::size_t i = first; i < first + count; ++i) {
             drawFragment(i, color);
         }
         return;
     }
-    if (alphaOf(color) == opaque) {
+    if (alpha == opaque) {
         std::fill_n(m_canvas.pixels() + first, count, color);
     } else {
-        blendRow(m_canvas.pixels() + first, count,
-                 [=](BlendBlock& block, std::size_t i, std::size_t) {
-                     block.set(i, color, alphaOf(color));
-                 });
+        m_loops.blendAlike(m_canvas.pixels() + first, count, color);
     }
     fillTags(first, count);
 }
@@ -221,12 +158,9 @@ void PixelPipeline::cover(int y, int left, std::size_t count, const std::uint8_t
         }
         return;
     }
-    blendColor(m_canvas.pixels() + first, count, color, coverage);
+    m_loops.blendColor(m_canvas.pixels() + first, count, color, coverage);
     if (m_state->tagging) {
-        std::uint8_t* tags = m_canvas.tags() + first;
-        for (std::size_t i = 0; i < count; ++i) {
-            tags[i] = coverage[i] != 0 ? m_state->tag : tags[i];
-        }
+        m_loops.tagCovered(m_canvas.tags() + first, count, coverage, m_state->tag);
     }
 }
 
@@ -239,22 +173,22 @@ void PixelPipeline::shade(int y, int left, std::size_t count, const std::uint8_t
         }
         return;
     }
-    blendColor(m_canvas.pixels() + first, count, color, alphas);
+    m_loops.blendColor(m_canvas.pixels() + first, count, color, alphas);
     fillTags(first, count);
 }
 
-void PixelPipeline::paint(int y, int left, std::size_t count, const std::uint32_t* pixels) {
+void PixelPipeline::paint(int y, int left, std::size_t count, std::uint32_t* pixels) {
     const std::size_t first = startRow(y, left, count);
+    if (m_state->color != 0xFFFFFFFF) {
+        m_loops.modulate(pixels, count, m_state->color);
+    }
     if (!m_plain) {
         for (std::size_t i = 0; i < count; ++i) {
             drawFragment(first + i, pixels[i]);
         }
         return;
     }
-    blendRow(m_canvas.pixels() + first, count,
-             [=](BlendBlock& block, std::size_t i, std::size_t at) {
-                 block.set(i, pixels[at], alphaOf(pixels[at]));
-             });
+    m_loops.blendPixels(m_canvas.pixels() + first, count, pixels);
     fillTags(first, count);
 }
 

@@ -2,6 +2,8 @@
 
 #include "canvas.h"
 #include "graphicsstate.h"
+#include "pixelmath.h"
+#include "rowloops.h"
 #include "work.h"
 
 #include <cstddef>
@@ -25,7 +27,7 @@ struct PixelRect {
 // Rows handed in must lie inside clip(), which is the scissor cut to the panel.
 class PixelPipeline {
 public:
-    explicit PixelPipeline(Canvas& canvas) : m_canvas(canvas) {}
+    PixelPipeline(Canvas& canvas, const RowLoops& loops) : m_canvas(canvas), m_loops(loops) {}
 
     // The state to draw with from now on; it must live until the next call.
     void use(const GraphicsState& state);
@@ -36,14 +38,14 @@ public:
 
     void clear(bool color, bool stencil, bool tag);
 
-    // Fully covered pixels in the state's colour.
-    void fill(int y, int left, int right);
+    // Pixels in the state's colour, all of them covered by so many 255ths.
+    void fill(int y, int left, int right, std::uint8_t coverage = opaque);
     // Pixels in the state's colour, each covered by so many 255ths; 0 is not drawn at all.
     void cover(int y, int left, std::size_t count, const std::uint8_t* coverage);
     // Texels of a bitmap: the state's colour with its alpha scaled by each of `alphas`.
     void shade(int y, int left, std::size_t count, const std::uint8_t* alphas);
-    // Texels of a bitmap, the state's colour multiplied in already.
-    void paint(int y, int left, std::size_t count, const std::uint32_t* pixels);
+    // Texels of a bitmap, multiplied by the state's colour. Uses up `pixels`.
+    void paint(int y, int left, std::size_t count, std::uint32_t* pixels);
 
 private:
     std::size_t startRow(int y, int left, std::size_t count);
@@ -53,6 +55,7 @@ private:
     std::uint32_t mixed(std::uint32_t source, std::uint32_t destination) const;
 
     Canvas& m_canvas;
+    const RowLoops& m_loops;
     const GraphicsState* m_state = nullptr;
     PixelRect m_clip;
     Work m_work;

@@ -48,8 +48,8 @@ constexpr std::uint32_t vertex2ii(std::uint32_t x, std::uint32_t y, std::uint32_
 
 class Scanner {
 public:
-    explicit Scanner(Generation generation = Generation::E3)
-        : m_generation(generation), m_engine(generation),
+    explicit Scanner(Generation generation = Generation::E3, Vectors vectors = widestVectors())
+        : m_generation(generation), m_engine(generation, vectors),
           m_general(generation == Generation::E1 ? 256 * 1024 : 1024 * 1024),
           m_changes(pagesOf(m_general.size())), m_palette(1024),
           m_noChanges(pagesOf(romImage(generation).size)) {}
