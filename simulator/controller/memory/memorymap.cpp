@@ -1,6 +1,7 @@
 #include "memorymap.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace controller {
 
@@ -21,7 +22,12 @@ void putLittleEndian(std::uint8_t* bytes, std::uint32_t value) {
     }
 }
 
-std::vector<std::uint8_t> romContent(const RomImage& image, const Span& span) {
+// A ROM of its own, where one word of it can be written (by the back door only) or the image is not
+// all of it; else none.
+std::vector<std::uint8_t> ownRom(const RomImage& image, const Span& span) {
+    if (!span.contains(chipIdAddress) && image.base == span.base && image.size == span.size) {
+        return {};
+    }
     std::vector<std::uint8_t> content(span.size);
     if (span.contains(image.base)) {
         const std::size_t offset = image.base - span.base;
@@ -35,31 +41,43 @@ std::vector<std::uint8_t> romContent(const RomImage& image, const Span& span) {
 
 MemoryMap::MemoryMap(Generation generation, const RomImage& romImage)
     : m_layout(memoryLayout(generation)), m_general(m_layout.general.size),
-      m_rom(romContent(romImage, m_layout.rom)),
+      m_rom(ownRom(romImage, m_layout.rom)),
       m_palette(m_layout.palette.size), m_displayLists{std::vector<std::uint8_t>(displayListBytes),
                                                        std::vector<std::uint8_t>(displayListBytes)},
       m_ring(ringBytes), m_coprocessor(m_layout.coprocessor.size) {
-    const auto changesOf = [this](std::size_t index, const std::vector<std::uint8_t>& bytes) {
-        m_pageChanges[index].resize(pagesOf(bytes.size()));
+    const auto changesOf = [this](std::size_t index, const Span& span) {
+        m_pageChanges[index].resize(pagesOf(span.size));
         return m_pageChanges[index].data();
     };
-    m_regions[general] = {m_layout.general, m_general.data(), true, changesOf(0, m_general)};
+    std::uint8_t* romBytes =
+        m_rom.empty() ? const_cast<std::uint8_t*>(romImage.data) // which nobody writes to
+                      : m_rom.data();
+    m_regions[general] = {m_layout.general, m_general.data(), true, changesOf(0, m_layout.general)};
     m_regions[ring] = {m_layout.ring, m_ring.data()};
-    m_regions[rom] = {m_layout.rom, m_rom.data(), false, changesOf(1, m_rom)};
-    m_regions[palette] = {m_layout.palette, m_palette.data(), true, changesOf(2, m_palette)};
+    m_regions[rom] = {m_layout.rom, romBytes, false, changesOf(1, m_layout.rom)};
+    m_regions[palette] = {m_layout.palette, m_palette.data(), true, changesOf(2, m_layout.palette)};
     m_regions[coprocessor] = {m_layout.coprocessor, m_coprocessor.data()};
     selectDisplayList();
 }
 
 void MemoryMap::clear() {
-    for (std::vector<std::uint8_t>* ram : {&m_general, &m_palette, m_displayLists.data(),
-                                           &m_displayLists[1], &m_ring, &m_coprocessor}) {
+    for (std::vector<std::uint8_t>* ram :
+         {m_displayLists.data(), &m_displayLists[1], &m_ring, &m_coprocessor}) {
         std::fill(ram->begin(), ram->end(), std::uint8_t{0});
     }
     m_written = 0;
     selectDisplayList();
-    for (const RegionIndex index : {general, palette}) {
-        noteChanges(m_regions[index], 0, m_regions[index].span.size);
+    clear(m_regions[general]);
+    clear(m_regions[palette]);
+    m_cleared = m_moment;
+}
+
+void MemoryMap::clear(const Region& region) {
+    for (std::size_t page = 0; page < pagesOf(region.span.size); ++page) {
+        if (region.changes[page] > m_cleared) {
+            std::memset(region.bytes + page * pageBytes, 0, pageBytes);
+            noteChanges(region, static_cast<std::uint32_t>(page * pageBytes), pageBytes);
+        }
     }
 }
 

@@ -4,6 +4,7 @@
 #include "graphicsmemory.h"
 #include "memorylayout.h"
 #include "romimage.h"
+#include "zeroedbytes.h"
 
 #include <array>
 #include <cstddef>
@@ -18,12 +19,12 @@ namespace controller {
 // values are little-endian. Nothing here has side effects.
 class MemoryMap {
 public:
-    // `rom` is copied to where the generation has its ROM.
+    // `rom` stands where the generation has its ROM, and outlives the map.
     MemoryMap(Generation generation, const RomImage& rom);
     MemoryMap(const MemoryMap&) = delete;
     MemoryMap& operator=(const MemoryMap&) = delete;
 
-    // All RAM to 0, as after power-on.
+    // All RAM to 0, as after power-on. Costs as much as has been written since the last time.
     void clear();
 
     const MemoryLayout& layout() const { return m_layout; }
@@ -70,9 +71,11 @@ private:
     void noteChanges(const Region& region, std::uint32_t offset, std::uint32_t length);
     void selectDisplayList();
 
+    void clear(const Region& region);
+
     MemoryLayout m_layout;
-    std::vector<std::uint8_t> m_general;
-    std::vector<std::uint8_t> m_rom;
+    ZeroedBytes m_general;
+    std::vector<std::uint8_t> m_rom; // empty where the image itself serves
     std::vector<std::uint8_t> m_palette;
     std::array<std::vector<std::uint8_t>, 2> m_displayLists;
     std::size_t m_written = 0; // which of them is RAM_DL
@@ -81,6 +84,7 @@ private:
     std::array<Region, 6> m_regions;
     std::array<std::vector<std::uint64_t>, 3> m_pageChanges; // of general memory, ROM and palette
     std::uint64_t m_moment = 0;                              // counts their changes
+    std::uint64_t m_cleared = 0;                             // the moment of the last clear()
 };
 
 } // namespace controller
