@@ -92,6 +92,7 @@ public:
     }
 
     void reset() {
+        forget();
         m_handles = {};
         for (int font = firstRomFont; font < fontHandles; ++font) {
             m_handles[static_cast<std::size_t>(font)] = fontHandle(romFont(m_generation, font));
@@ -103,6 +104,10 @@ public:
     void forget() {
         m_hasFrame = false;
         m_hasCheckpoint = false;
+    }
+    void limitWork(std::int64_t most) {
+        forget();
+        m_workLimit = most;
     }
     std::int64_t workDone() const { return m_workDone; }
 
@@ -121,6 +126,7 @@ private:
     Generation m_generation;
     const RowLoops& m_loops;
     BitmapHandles m_handles;
+    std::int64_t m_workLimit = Work::limit;
     std::int64_t m_workDone = 0;
 
     // The last frame, and what it was drawn of.
@@ -142,9 +148,10 @@ private:
 // The parts that draw one list.
 struct GraphicsEngine::State::Drawing {
     Drawing(Generation generation, const Scene& drawnScene, const GraphicsMemory& watchedMemory,
-            BitmapHandles& handles, Canvas& canvas, const RowLoops& loops, Frame& drawnFrame)
-        : scene(drawnScene), memory(watchedMemory), frame(drawnFrame), pipeline(canvas, loops),
-          assembler(generation, memory, pipeline, frame, complaints),
+            BitmapHandles& handles, Canvas& canvas, const RowLoops& loops, const Work& work,
+            Frame& drawnFrame)
+        : scene(drawnScene), memory(watchedMemory), frame(drawnFrame),
+          pipeline(canvas, loops, work), assembler(generation, memory, pipeline, frame, complaints),
           walker(generation, scene.list.data(), scene.macros, handles, pipeline, assembler,
                  complaints) {}
 
@@ -172,7 +179,8 @@ const Frame& GraphicsEngine::State::draw(const Scene& scene) {
     const BitmapHandles handlesBefore = m_handles;
     GraphicsMemory memory = scene.memory;
     memory.noteReads(m_reads);
-    Drawing drawing(m_generation, scene, memory, m_handles, m_canvas, m_loops, m_frame);
+    Drawing drawing(m_generation, scene, memory, m_handles, m_canvas, m_loops, Work(m_workLimit),
+                    m_frame);
     if (canGoOn(scene)) {
         m_place.follow(common);
         goOn(drawing);
@@ -253,7 +261,8 @@ void GraphicsEngine::State::keep(const Drawing& drawing, const BitmapHandles& ha
 std::vector<std::string> GraphicsEngine::State::walk(const Scene& scene) {
     Canvas noCanvas;
     Frame noFrame;
-    Drawing drawing(m_generation, scene, scene.memory, m_handles, noCanvas, m_loops, noFrame);
+    Drawing drawing(m_generation, scene, scene.memory, m_handles, noCanvas, m_loops,
+                    Work(m_workLimit), noFrame);
     drawing.finish();
     m_workDone += noFrame.work;
     return noFrame.complaints;
@@ -278,6 +287,10 @@ std::vector<std::string> GraphicsEngine::walk(const Scene& scene) {
 
 void GraphicsEngine::forget() {
     m_state->forget();
+}
+
+void GraphicsEngine::limitWork(std::int64_t most) {
+    m_state->limitWork(most);
 }
 
 std::int64_t GraphicsEngine::workDone() const {

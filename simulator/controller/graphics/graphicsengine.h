@@ -42,7 +42,7 @@ public:
     GraphicsEngine& operator=(const GraphicsEngine&) = delete;
 
     // Power-on state: handles 16 to 31 are the ROM fonts, the others empty. Bitmap handles are
-    // the only state that outlives a frame.
+    // the only state that outlives a frame. Forgets what has been drawn.
     void reset();
 
     // The frame of a scene, drawn as far as it must be; it stands until the next call.
@@ -52,6 +52,8 @@ public:
 
     // Keeps nothing of the frames before: the next is drawn as a first one is.
     void forget();
+    // Gives a list up when it costs more than this, instead of Work::limit.
+    void limitWork(std::int64_t most);
     // What all frames have cost so far, without what was kept of one for the next.
     std::int64_t workDone() const;
 

@@ -27,7 +27,8 @@ struct PixelRect {
 // Rows handed in must lie inside clip(), which is the scissor cut to the panel.
 class PixelPipeline {
 public:
-    PixelPipeline(Canvas& canvas, const RowLoops& loops) : m_canvas(canvas), m_loops(loops) {}
+    PixelPipeline(Canvas& canvas, const RowLoops& loops, const Work& work)
+        : m_canvas(canvas), m_loops(loops), m_work(work) {}
 
     // The state to draw with from now on; it must live until the next call.
     void use(const GraphicsState& state);

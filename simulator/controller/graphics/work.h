@@ -13,11 +13,14 @@ public:
     // must not hang on it for more than a tenth of a second.
     static constexpr std::int64_t limit = 60'000'000;
 
+    explicit Work(std::int64_t most = limit) : m_most(most) {}
+
     void add(std::int64_t cost) { m_done += cost; }
     std::int64_t done() const { return m_done; }
-    bool isTooMuch() const { return m_done > limit; }
+    bool isTooMuch() const { return m_done > m_most; }
 
 private:
+    std::int64_t m_most;
     std::int64_t m_done = 0;
 };
 

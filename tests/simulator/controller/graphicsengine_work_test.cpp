@@ -73,6 +73,14 @@ TEST(Work, GrowsWithThePixelsDrawn) {
     EXPECT_LT(large, small * 5 / 2);
 }
 
+TEST(Work, MayBeLimitedFurther) {
+    Scanner scanner;
+    scanner.engine().limitWork(100'000);
+    const Frame& frame = scanner.scan(480, 272, filledOften(100));
+    EXPECT_THAT(frame.complaints, Contains(HasSubstr("more to draw")));
+    EXPECT_LT(frame.work, 110'000);
+}
+
 TEST(Work, OfWhatLiesOutsideThePanelIsThatOfItsWords) {
     const std::vector<std::uint32_t> beyond = {
         scissorXy(100, 0),        scissorSize(2048, 2048),  pointSize(8191),
