@@ -5,7 +5,7 @@
 #
 #   boot.sh ARCH SESSION...     amd64 or arm64; tests/system/SESSION.session
 #
-# What is run comes from build/release (amd64) or build/arm64-simulator (arm64). What the board says
+# What is run comes from build/release (amd64), or build/arm64 and build/arm64-simulator (arm64). What the board says
 # is in build/board/ARCH/console.log, pictures that differ are in build/board/ARCH/shots, and the
 # outcome of each session is in build/board/ARCH/results.xml.
 #
@@ -23,14 +23,16 @@ longest=600
 
 case "$architecture" in
     amd64)
-        build=build/release
+        frontpanel=build/release/bin/frontpanel
+        panelsim=build/release/bin/panelsim
         libraries="/lib/x86_64-linux-gnu /usr/lib/x86_64-linux-gnu"
         loader=/lib64/ld-linux-x86-64.so.2
         emulator=(qemu-system-x86_64 -cpu max)
         console=ttyS0
         ;;
     arm64)
-        build=build/arm64-simulator
+        frontpanel=build/arm64/bin/frontpanel
+        panelsim=build/arm64-simulator/bin/panelsim
         libraries="/lib/aarch64-linux-gnu /usr/lib/aarch64-linux-gnu"
         loader=/lib/ld-linux-aarch64.so.1
         emulator=(qemu-system-aarch64 -machine virt -cpu cortex-a57)
@@ -41,8 +43,8 @@ esac
 for program in "${emulator[0]}" cpio readelf; do
     command -v "$program" >/dev/null || could_not_run "$program is not installed; packaging/install-build-packages.sh --emulation arm64 installs it."
 done
-for program in frontpanel panelsim; do
-    [ -x "$build/bin/$program" ] || could_not_run "$build/bin/$program is not built."
+for program in $frontpanel $panelsim; do
+    [ -x "$program" ] || could_not_run "$program is not built."
 done
 
 place=build/board/$architecture
@@ -80,9 +82,9 @@ add_libraries() { # file
         done
     done
 }
-for program in frontpanel panelsim; do
-    cp "$build/bin/$program" "$root/bin"
-    add_libraries "$build/bin/$program"
+for program in $frontpanel $panelsim; do
+    cp "$program" "$root/bin"
+    add_libraries "$program"
 done
 cp -L "$loader" "$root$loader"
 (cd "$root" && find . | cpio --quiet --create --format=newc --owner=0:0) >"$place/initrd"

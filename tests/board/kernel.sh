@@ -37,16 +37,18 @@ kbuild=linux-kbuild-$(cut -d. -f1,2 <<<"$release")
 directory=$PWD/build/board/$architecture/kernel
 sources=$directory/usr/src/linux-headers-$release
 if [ "$(cat "$directory/release" 2>/dev/null)" != "$release" ]; then
-    packages=$(packaging/fetch-package.sh "$image:$architecture" \
-        "linux-headers-$release:$architecture" "linux-headers-${release%-*}-common" \
-        "$kbuild:$here") || could_not_run "$(tail -n 1 <<<"$packages")"
+    packages=$(packaging/fetch-package.sh "linux-headers-$release:$architecture" \
+        "linux-headers-${release%-*}-common" "$kbuild:$here" "$image:$architecture") ||
+        could_not_run "$(tail -n 1 <<<"$packages")"
     rm -rf "$directory"
     mkdir -p "$directory"
     while read -r package; do
-        dpkg-deb --fsys-tarfile "$package" |
-            tar --extract --directory "$directory" --exclude='./lib/modules/*' \
-                --exclude='./usr/share/*'
+        [[ $package != */linux-image-* ]] || break
+        dpkg-deb --extract "$package" "$directory"
     done <<<"$packages"
+    # Not the modules behind it, which take long to unpack.
+    dpkg-deb --fsys-tarfile "$package" 2>/dev/null |
+        tar --extract --directory "$directory" --occurrence=1 "./boot/vmlinuz-$release" || true
     # They expect to be installed.
     sed -i "s,/usr/src/,$directory/usr/src/," "$sources/Makefile"
     mv "$directory/boot/vmlinuz-$release" "$directory/vmlinuz"
