@@ -399,8 +399,8 @@ void Controller::Chip::writeRegister(Register id, std::uint32_t value) {
         raise(interrupt::playback);
         break;
     case Register::Rotate:
-        if (value != 0) {
-            complain("a rotated picture (REG_ROTATE) is not modelled");
+        if (m_generation == Generation::E1 && value > 1) {
+            complain("E1 turns the picture upside down only (REG_ROTATE)");
         }
         break;
     default:

@@ -33,7 +33,7 @@ namespace controller {
 //
 // Not modelled, as nothing here could show it: sound (over at once), dithering, colour swizzle and
 // sync polarity, pin drive, dual and quad SPI, tearing by a swap in mid-frame (drawn as if at its
-// end), more than one finger. Not modelled and complained about: a rotated picture, and the
+// end). Not modelled and complained about: the
 // commands that commandgroups.h names.
 class Controller::Chip : private HostTarget, private RegisterBehaviour, private CoprocessorPort {
 public:
@@ -81,7 +81,7 @@ private:
     Nanoseconds now() const override { return m_now; }
     bool isScanning() const override { return m_timing.isScanning(); }
     bool isSwapPending() const override { return m_registers[Register::DlSwap] != 0; }
-    const Frame& frameOnPanel() override { return m_display.frame(); }
+    const Frame& pictureShown() override { return m_display.picture(); }
     void showList(const DisplayList& list) override;
     void interruptAfter(Nanoseconds delay) override { m_interruptAt = m_now + delay; }
     void ringEmptied() override;

@@ -50,10 +50,36 @@ void Display::scanned() {
     }
 }
 
+// E1 knows one bit of it.
+Turn Display::turn() const {
+    const std::uint32_t rotate = m_registers[Register::Rotate];
+    return Turn::of(m_generation == Generation::E1 ? rotate & 1U : rotate);
+}
+
 const Frame& Display::frame() {
+    const Frame& drawn = picture();
+    const Turn turning = turn();
+    if (turning.isNone()) {
+        return drawn;
+    }
+    m_turned = drawn;
+    const int width = drawn.picture.width;
+    const int height = drawn.picture.height;
+    m_turned.picture.pixels = turning.turned(drawn.picture.pixels, width, height);
+    m_turned.tags = turning.turned(drawn.tags, width, height);
+    if (turning.portrait) {
+        std::swap(m_turned.picture.width, m_turned.picture.height);
+    }
+    return m_turned;
+}
+
+const Frame& Display::picture() {
     const int side = largestSide(m_generation);
-    const int width = std::min(static_cast<int>(m_registers[Register::HSize]), side);
-    const int height = std::min(static_cast<int>(m_registers[Register::VSize]), side);
+    int width = std::min(static_cast<int>(m_registers[Register::HSize]), side);
+    int height = std::min(static_cast<int>(m_registers[Register::VSize]), side);
+    if (turn().portrait) {
+        std::swap(width, height);
+    }
     const Frame& frame = m_engine.draw(scene(std::max(width, 0), std::max(height, 0)));
     if (!m_walked) {
         report(frame.complaints);
@@ -62,7 +88,7 @@ const Frame& Display::frame() {
 }
 
 std::uint8_t Display::tagAt(int x, int y) {
-    const Frame& drawn = frame();
+    const Frame& drawn = picture();
     if (x < 0 || y < 0 || x >= drawn.picture.width || y >= drawn.picture.height) {
         return 0;
     }

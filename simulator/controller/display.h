@@ -5,6 +5,7 @@
 #include "graphicsengine.h"
 #include "memorymap.h"
 #include "registers.h"
+#include "turn.h"
 
 #include <cstdint>
 #include <functional>
@@ -31,11 +32,16 @@ public:
 
     // A frame of the list has been scanned.
     void scanned();
+    // The picture as the list draws it.
+    const Frame& picture();
+    // The same as it stands on the panel, which may be turned (REG_ROTATE). Characters keep their
+    // places in the picture.
     const Frame& frame();
-    // The tag at a pixel of the frame; 0 outside of it.
+    // The tag at a pixel of the picture; 0 outside of it.
     std::uint8_t tagAt(int x, int y);
 
 private:
+    Turn turn() const;
     Scene scene(int width, int height) const;
     void report(const std::vector<std::string>& complaints);
 
@@ -46,6 +52,7 @@ private:
     GraphicsEngine m_engine;
 
     DisplayList m_list{};
+    Frame m_turned;
     bool m_walked = false;               // by the engine, whether it drew or not
     std::vector<std::string> m_reported; // complaints about the list before
 };

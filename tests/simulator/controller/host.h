@@ -164,6 +164,7 @@ constexpr std::uint32_t bitmapTransform = 0xFFFFFF21;
 constexpr std::uint32_t inflate = 0xFFFFFF22;
 constexpr std::uint32_t getPtr = 0xFFFFFF23;
 constexpr std::uint32_t loadImage = 0xFFFFFF24;
+constexpr std::uint32_t getProps = 0xFFFFFF25;
 constexpr std::uint32_t loadIdentity = 0xFFFFFF26;
 constexpr std::uint32_t translate = 0xFFFFFF27;
 constexpr std::uint32_t scale = 0xFFFFFF28;
@@ -179,8 +180,10 @@ constexpr std::uint32_t logo = 0xFFFFFF31;
 constexpr std::uint32_t coldStart = 0xFFFFFF32;
 constexpr std::uint32_t getMatrix = 0xFFFFFF33;
 constexpr std::uint32_t gradColor = 0xFFFFFF34;
+constexpr std::uint32_t setRotate = 0xFFFFFF36;
 constexpr std::uint32_t snapshot2 = 0xFFFFFF37;
 constexpr std::uint32_t setBase = 0xFFFFFF38;
+constexpr std::uint32_t mediaFifo = 0xFFFFFF39;
 constexpr std::uint32_t romFont = 0xFFFFFF3F;
 constexpr std::uint32_t setScratch = 0xFFFFFF3C;
 constexpr std::uint32_t sync = 0xFFFFFF42;
@@ -198,6 +201,8 @@ constexpr std::uint32_t flashSpiRx = 0xFFFFFF4D;
 constexpr std::uint32_t flashSource = 0xFFFFFF4E;
 constexpr std::uint32_t inflate2 = 0xFFFFFF50;
 constexpr std::uint32_t animDraw = 0xFFFFFF56;
+constexpr std::uint32_t gradientA = 0xFFFFFF57;
+constexpr std::uint32_t fillWidth = 0xFFFFFF58;
 constexpr std::uint32_t appendF = 0xFFFFFF59;
 } // namespace cmd
 

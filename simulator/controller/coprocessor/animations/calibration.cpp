@@ -6,8 +6,8 @@
 namespace controller {
 
 Calibration::Calibration(const Machine& machine) : m_machine(machine) {
-    const int w = machine.panelWidth();
-    const int h = machine.panelHeight();
+    const int w = machine.pictureWidth();
+    const int h = machine.pictureHeight();
     m_points[0] = {0, 0, w / 10, h / 10};
     m_points[1] = {0, 0, w * 9 / 10, h / 2};
     m_points[2] = {0, 0, w / 2, h * 9 / 10};
@@ -33,7 +33,7 @@ void Calibration::draw(Words& words, std::uint32_t) const {
         const PointPair& dot = m_points[m_touched];
         Painter(words, m_machine.generation)
             .disc({{dot.tx * subpixels, dot.ty * subpixels},
-                   m_machine.panelHeight() * subpixels / 32});
+                   m_machine.pictureHeight() * subpixels / 32});
     }
 }
 

@@ -20,8 +20,8 @@ int bounced(std::uint32_t frame, int range) {
 
 void ScreenSaver::frameEnded() {
     // A bitmap of about a third of the panel stays on it.
-    const int x = bounced(m_frame, m_machine.panelWidth() * 2 / 3);
-    const int y = bounced(m_frame, m_machine.panelHeight() * 2 / 3);
+    const int x = bounced(m_frame, m_machine.pictureWidth() * 2 / 3);
+    const int y = bounced(m_frame, m_machine.pictureHeight() * 2 / 3);
     ++m_frame;
     m_machine.registers.set(Register::Macro0, dl::vertex2f(x * subpixels, y * subpixels));
 }

@@ -31,7 +31,7 @@ int swollen(int unit, std::uint32_t angle) {
 } // namespace
 
 int Spinner::unit() const {
-    return (m_machine.panelHeight() * subpixels / 8) << std::min(m_settings.scale, largestScale);
+    return (m_machine.pictureHeight() * subpixels / 8) << std::min(m_settings.scale, largestScale);
 }
 
 void Spinner::draw(Words& words, std::uint32_t frame) const {

@@ -46,7 +46,6 @@ void ListCommands::addTo(CommandSet& set) {
     set.add(Command::Append, *this, &ListCommands::append);
     set.add(Command::AppendF, *this, &ListCommands::appendF);
     set.add(Command::SetBitmap, *this, &ListCommands::setBitmap);
-    set.add(Command::SetRotate, *this, &ListCommands::setRotate);
     set.add(Command::Nop, *this, &ListCommands::nothing);
     set.add(Command::ClearCache, *this, &ListCommands::nothing);
 }
@@ -124,10 +123,6 @@ void ListCommands::setBitmap(const Call& call) {
     m_machine.list.put({dl::bitmapSource(call[0]), dl::bitmapLayout(bitmapFormat, stride, height),
                         dl::bitmapLayoutH(stride, height), dl::bitmapSize(width, height),
                         dl::bitmapSizeH(width, height)});
-}
-
-void ListCommands::setRotate(const Call& call) {
-    m_machine.bus.write32(registerInfo(Register::Rotate).address(m_machine.generation), call[0]);
 }
 
 } // namespace controller

@@ -24,7 +24,6 @@ private:
     void append(const Call& call);
     void appendF(const Call& call);
     void setBitmap(const Call& call);
-    void setRotate(const Call& call);
     void nothing(const Call&) {}
     void appendBytes(const std::function<std::uint8_t(std::uint32_t)>& read, std::uint32_t count);
 

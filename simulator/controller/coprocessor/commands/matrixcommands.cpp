@@ -1,6 +1,8 @@
 #include "matrixcommands.h"
 
 #include "dlwords.h"
+#include "fixedmath.h"
+#include "turn.h"
 
 #include <array>
 #include <cstdint>
@@ -13,6 +15,71 @@ namespace {
 constexpr std::int32_t bitmapUnit = 256;
 constexpr std::int32_t touchUnit = 65536;
 constexpr std::size_t resultOfThreePoints = 12;
+
+constexpr Register touchFactors[] = {Register::TouchTransformA, Register::TouchTransformB,
+                                     Register::TouchTransformC, Register::TouchTransformD,
+                                     Register::TouchTransformE, Register::TouchTransformF};
+
+struct PanelSize {
+    std::int32_t width;
+    std::int32_t height;
+};
+
+// One row of a touch transform, and the same counted from the other end of `length` pixels.
+struct Row {
+    std::int32_t x;
+    std::int32_t y;
+    std::int32_t constant;
+
+    Row fromEnd(std::int32_t length) const {
+        const std::int64_t last = std::int64_t{length} * touchUnit - 1;
+        return {saturated(-std::int64_t{x}), saturated(-std::int64_t{y}),
+                saturated(last - constant)};
+    }
+};
+
+struct Rows {
+    explicit Rows(const Affine& t) : x{t.a, t.b, t.c}, y{t.d, t.e, t.f} {}
+    Affine affine() const { return {x.x, x.y, x.constant, y.x, y.y, y.constant}; }
+
+    Row x;
+    Row y;
+};
+
+// A transform to positions on the panel, as one to positions in the turned picture, and back.
+Affine toPicture(const Affine& onPanel, const Turn& turn, const PanelSize& panel) {
+    Rows rows(onPanel);
+    if (turn.upsideDown) {
+        rows.x = rows.x.fromEnd(panel.width);
+        rows.y = rows.y.fromEnd(panel.height);
+    }
+    if (turn.portrait) {
+        const Row down = rows.x.fromEnd(panel.width);
+        rows.x = rows.y;
+        rows.y = down;
+    }
+    if (turn.mirrored) {
+        rows.x = rows.x.fromEnd(turn.portrait ? panel.height : panel.width);
+    }
+    return rows.affine();
+}
+
+Affine fromPicture(const Affine& inPicture, const Turn& turn, const PanelSize& panel) {
+    Rows rows(inPicture);
+    if (turn.mirrored) {
+        rows.x = rows.x.fromEnd(turn.portrait ? panel.height : panel.width);
+    }
+    if (turn.portrait) {
+        const Row across = rows.y.fromEnd(panel.width);
+        rows.y = rows.x;
+        rows.x = across;
+    }
+    if (turn.upsideDown) {
+        rows.x = rows.x.fromEnd(panel.width);
+        rows.y = rows.y.fromEnd(panel.height);
+    }
+    return rows.affine();
+}
 
 // Three source points, then three destination points, as TOUCH_TRANSFORM and BITMAP_TRANSFORM
 // have them in their arguments.
@@ -37,6 +104,7 @@ void MatrixCommands::addTo(CommandSet& set) {
     set.add(Command::GetMatrix, *this, &MatrixCommands::getMatrix);
     set.add(Command::BitmapTransform, *this, &MatrixCommands::bitmapTransform);
     set.add(Command::TouchTransform, *this, &MatrixCommands::touchTransform);
+    set.add(Command::SetRotate, *this, &MatrixCommands::setRotate);
 }
 
 void MatrixCommands::loadIdentity(const Call&) {
@@ -94,13 +162,30 @@ void MatrixCommands::touchTransform(const Call& call) {
     call.putResult(m_machine.memory, resultOfThreePoints, transform ? 1 : 0);
 }
 
+// Turns the picture, and the touch transform from what the old turn made of it to the new one.
+void MatrixCommands::setRotate(const Call& call) {
+    Registers& registers = m_machine.registers;
+    const PanelSize panel{static_cast<std::int32_t>(registers[Register::HSize]),
+                          static_cast<std::int32_t>(registers[Register::VSize])};
+    const Turn before = Turn::of(registers[Register::Rotate]);
+    m_machine.bus.write32(registerInfo(Register::Rotate).address(m_machine.generation), call[0]);
+    const Turn after = Turn::of(registers[Register::Rotate]);
+    const Affine onPanel = fromPicture(touchTransformIn(registers), before, panel);
+    setTouchTransform(registers, toPicture(onPanel, after, panel));
+}
+
+Affine touchTransformIn(const Registers& registers) {
+    std::array<std::int32_t, 6> values{};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = signExtend(registers[touchFactors[i]], 32);
+    }
+    return {values[0], values[1], values[2], values[3], values[4], values[5]};
+}
+
 void setTouchTransform(Registers& registers, const Affine& transform) {
-    constexpr Register targets[] = {Register::TouchTransformA, Register::TouchTransformB,
-                                    Register::TouchTransformC, Register::TouchTransformD,
-                                    Register::TouchTransformE, Register::TouchTransformF};
     const std::array<std::int32_t, 6> values = transform.values();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        registers.set(targets[i], static_cast<std::uint32_t>(values[i]));
+        registers.set(touchFactors[i], static_cast<std::uint32_t>(values[i]));
     }
 }
 

@@ -7,7 +7,7 @@
 
 namespace controller {
 
-// The bitmap matrix, and transforms through three points.
+// The bitmap matrix, transforms through three points, and the turned picture.
 class MatrixCommands {
 public:
     explicit MatrixCommands(Machine& machine) : m_machine(machine) {}
@@ -24,13 +24,15 @@ private:
     void getMatrix(const Call& call);
     void bitmapTransform(const Call& call);
     void touchTransform(const Call& call);
+    void setRotate(const Call& call);
     void putTransform(const Affine& transform);
 
     Machine& m_machine;
     BitmapMatrix m_matrix;
 };
 
-// Writes the touch transform's six registers.
+// The touch transform's six registers.
+Affine touchTransformIn(const Registers& registers);
 void setTouchTransform(Registers& registers, const Affine& transform);
 
 } // namespace controller

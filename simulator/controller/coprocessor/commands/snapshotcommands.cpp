@@ -40,7 +40,7 @@ void SnapshotCommands::addTo(CommandSet& set) {
 // Stores what fits general memory and no more: behind it stand registers and the ring.
 void SnapshotCommands::store(const Call& call, std::uint32_t format, std::uint32_t destination,
                              const Part& part) {
-    const Picture& picture = m_machine.port.frameOnPanel().picture;
+    const Picture& picture = m_machine.port.pictureShown().picture;
     const std::uint64_t pixelBytes = format == formatArgb8 ? 4 : 2;
     const std::uint64_t memoryBytes = m_machine.memory.layout().general.size;
     const int left = std::max(part.x, 0);
@@ -76,7 +76,7 @@ void SnapshotCommands::snapshot(const Call& call) {
     const std::uint32_t format = m_machine.generation == Generation::E1
                                      ? format::Argb4
                                      : m_machine.registers[Register::SnapFormat];
-    store(call, format, call[0], {0, 0, m_machine.panelWidth(), m_machine.panelHeight()});
+    store(call, format, call[0], {0, 0, m_machine.pictureWidth(), m_machine.pictureHeight()});
 }
 
 void SnapshotCommands::snapshot2(const Call& call) {

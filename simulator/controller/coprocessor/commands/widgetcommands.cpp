@@ -118,7 +118,7 @@ void WidgetCommands::gradient(const Call& call) {
     gradient.rgb1 = call[3];
     Words words;
     appendGradient(words, m_machine.generation, romRamp(m_machine.generation),
-                   m_fonts.scratchHandle(), m_machine.panelWidth(), m_machine.panelHeight(),
+                   m_fonts.scratchHandle(), m_machine.pictureWidth(), m_machine.pictureHeight(),
                    gradient);
     m_machine.list.put(words);
 }

@@ -7,6 +7,7 @@
 #include "power.h"
 #include "registers.h"
 #include "serialflash.h"
+#include "turn.h"
 #include "workbudget.h"
 
 #include <cstdint>
@@ -22,8 +23,8 @@ public:
     virtual bool isScanning() const = 0;
     virtual bool isSwapPending() const = 0;
     virtual std::uint32_t framesScanned() const = 0;
-    // What the panel shows, for SNAPSHOT.
-    virtual const Frame& frameOnPanel() = 0;
+    // The picture that is shown, for SNAPSHOT.
+    virtual const Frame& pictureShown() = 0;
     // From the end of this frame on the panel shows `list`, whatever the host swaps in.
     virtual void showList(const DisplayList& list) = 0;
     virtual void interruptAfter(Nanoseconds delay) = 0;
@@ -33,8 +34,9 @@ public:
 
 // The chip as the coprocessor's commands and animations see it: what they may read and change.
 struct Machine {
-    int panelWidth() const { return static_cast<int>(registers[Register::HSize]); }
-    int panelHeight() const { return static_cast<int>(registers[Register::VSize]); }
+    // The picture's size in pixels: the panel's, unless it is turned to portrait.
+    int pictureWidth() const { return size(isPortrait() ? Register::VSize : Register::HSize); }
+    int pictureHeight() const { return size(isPortrait() ? Register::HSize : Register::VSize); }
 
     Generation generation;
     MemoryMap& memory; // plain memory, without side effects
@@ -44,6 +46,11 @@ struct Machine {
     CoprocessorPort& port;
     WorkBudget budget{};
     ListWriter list{memory, registers, budget};
+
+    bool isPortrait() const {
+        return generation != Generation::E1 && Turn::of(registers[Register::Rotate]).portrait;
+    }
+    int size(Register id) const { return static_cast<int>(registers[id]); }
 };
 
 } // namespace controller
