@@ -20,8 +20,14 @@ constexpr std::uint32_t display() {
 constexpr std::uint32_t bitmapSource(std::uint32_t address) {
     return word(opcode::BitmapSource, address & 0x3FFFFFU);
 }
+constexpr std::uint32_t paletteSource(std::uint32_t address) {
+    return word(opcode::PaletteSource, address & 0x3FFFFFU);
+}
 constexpr std::uint32_t clearColorRgb(std::uint32_t rgb) {
     return word(opcode::ClearColorRgb, rgb & 0xFFFFFFU);
+}
+constexpr std::uint32_t clearColorA(std::uint32_t value) {
+    return word(opcode::ClearColorA, value & 0xFFU);
 }
 constexpr std::uint32_t tag(std::uint32_t value) {
     return word(opcode::Tag, value & 0xFFU);
@@ -84,6 +90,10 @@ constexpr std::uint32_t scissorSize(Generation generation, std::uint32_t width,
     return generation == Generation::E1
                ? word(opcode::ScissorSize, ((width & 0x3FFU) << 10U) | (height & 0x3FFU))
                : word(opcode::ScissorSize, ((width & 0xFFFU) << 12U) | (height & 0xFFFU));
+}
+// Red 8, green 4, blue 2, alpha 1.
+constexpr std::uint32_t colorMask(std::uint32_t channels) {
+    return word(opcode::ColorMask, channels & 0xFU);
 }
 constexpr std::uint32_t begin(std::uint32_t primitive) {
     return word(opcode::Begin, primitive & 0xFU);

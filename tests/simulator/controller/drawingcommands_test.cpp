@@ -336,4 +336,54 @@ TEST_F(DrawingCommands, TheGradientColourLightsTheUpperEdges) {
     EXPECT_EQ(host.chip.frame().picture.at(140, 120), 0xFF000000) << "the face itself";
 }
 
+// --- FILLWIDTH
+
+constexpr int fill = 0x2000;
+
+TEST_F(DrawingCommands, FillBreaksTextBetweenWordsAndAtLineFeeds) {
+    const int width = widthOf(Generation::E3, 27, "one two");
+    show(V{0x26000007, cmd::fillWidth, static_cast<std::uint32_t>(width)} +
+         textAt(10, 10, 27, fill, "one two three four\nfive"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("one two", "three", "four", "five"));
+    EXPECT_TRUE(host.seen.complaints.empty());
+    show(V{0x26000007, cmd::fillWidth, static_cast<std::uint32_t>(width - 1)} +
+         textAt(10, 10, 27, fill, "one two"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("one", "two"));
+}
+
+TEST_F(DrawingCommands, WithoutFillTheWidthDoesNotCount) {
+    show(V{0x26000007, cmd::fillWidth, 20} + textAt(10, 10, 27, 0, "one two"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("one two"));
+}
+
+TEST_F(DrawingCommands, FillLeavesTextAloneBeforeAWidthIsGiven) {
+    show(V{0x26000007} + textAt(10, 10, 27, fill, "one two three"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("one two three"));
+    show(V{0x26000007, cmd::fillWidth, 20, cmd::coldStart} + textAt(10, 10, 27, fill, "one two"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("one two"));
+}
+
+TEST_F(DrawingCommands, AWordWiderThanTheWidthStandsAlone) {
+    show(V{0x26000007, cmd::fillWidth, 20} + textAt(10, 10, 27, fill, "a enormous b"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("a", "enormous", "b"));
+}
+
+TEST_F(DrawingCommands, FilledLinesStandAFontHeightApartAndAreCenteredAsABlock) {
+    constexpr int height = 20; // of font 27
+    listOf({cmd::fillWidth, 1});
+    const V list = listOf(textAt(100, 100, 27, fill | 0x600, "A B"));
+    const int a = widthOf(Generation::E3, 27, "A");
+    const int b = widthOf(Generation::E3, 27, "B");
+    EXPECT_THAT(list, ElementsAre(saveContext, 0x27000004, beginBitmaps,
+                                  vertex2ii(100 - a / 2, 100 - height, 27, 'A'),
+                                  vertex2ii(100 - b / 2, 100, 27, 'B'), end, restoreContext));
+}
+
+TEST_F(DrawingCommands, LabelsOfButtonsAreFilledToo) {
+    show(V{0x26000007, cmd::fillWidth, 40, cmd::button, pair(50, 50), pair(100, 80),
+           pair(27, fill)} +
+         words("Start run"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("Start", "run"));
+}
+
 } // namespace

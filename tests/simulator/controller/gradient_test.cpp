@@ -172,4 +172,92 @@ TEST_P(Gradient, IsAnOrdinaryPieceOfListThatCanBeCopiedAndAppended) {
     EXPECT_TRUE(host.chip.frame().picture == first);
 }
 
+// --- with alpha
+
+struct Argb {
+    double alpha, red, green, blue;
+};
+
+Argb mixed(std::uint32_t from, std::uint32_t to, double t) {
+    const auto channel = [&](unsigned shift) {
+        const double a = from >> shift & 0xFFU;
+        const double b = to >> shift & 0xFFU;
+        return a + (b - a) * t;
+    };
+    return {channel(24), channel(16), channel(8), channel(0)};
+}
+
+class AlphaGradient : public testing::Test {
+protected:
+    AlphaGradient() { host.bootWithPanel(); }
+
+    // Over a plain colour: largest deviation of any channel.
+    double worst(const Line& line, std::uint32_t from, std::uint32_t to, std::uint32_t under) {
+        host.send({cmd::dlStart, 0x02000000 | under, 0x26000007, cmd::gradientA,
+                   pair(line.x0, line.y0), from, pair(line.x1, line.y1), to, 0, cmd::swap});
+        host.waitFrames(2);
+        const controller::Picture& picture = host.chip.frame().picture;
+        const double vx = line.x1 - line.x0;
+        const double vy = line.y1 - line.y0;
+        double largest = 0;
+        for (int y = 0; y < picture.height; y += 3) {
+            for (int x = 0; x < picture.width; ++x) {
+                const double t = std::clamp(
+                    ((x - line.x0) * vx + (y - line.y0) * vy) / (vx * vx + vy * vy), 0.0, 1.0);
+                const Argb top = mixed(from, to, t);
+                const auto off = [&](unsigned shift, double channel) {
+                    const double below = under >> shift & 0xFFU;
+                    const double wanted = below + (channel - below) * top.alpha / 255;
+                    return std::abs((picture.at(x, y) >> shift & 0xFF) - wanted);
+                };
+                largest =
+                    std::max({largest, off(16, top.red), off(8, top.green), off(0, top.blue)});
+            }
+        }
+        return largest;
+    }
+
+    Host host{Generation::E3};
+};
+
+TEST_F(AlphaGradient, AlphaRunsAlongWithTheColour) {
+    for (const Line& line : {Line{21, 13, 455, 268}, Line{455, 268, 21, 13}, Line{100, 0, 380, 0},
+                             Line{0, 230, 0, 40}}) {
+        EXPECT_LE(worst(line, 0x00FF8000, 0xFF0080FF, 0x406020), 4.5) << line.x0 << ',' << line.y0;
+        EXPECT_LE(worst(line, 0xE0FF8000, 0x200080FF, 0x406020), 4.5) << line.x0 << ',' << line.y0;
+    }
+    EXPECT_TRUE(host.seen.complaints.empty());
+}
+
+TEST_F(AlphaGradient, OneColourMayRunToNothing) {
+    EXPECT_LE(worst({50, 50, 400, 200}, 0xFF000000, 0x00000000, 0xFFFFFF), 3.0);
+    EXPECT_LE(worst({50, 50, 400, 200}, 0x00FFFFFF, 0xFFFFFFFF, 0x000000), 3.0);
+}
+
+TEST_F(AlphaGradient, IsAGradientWhereBothAreOpaque) {
+    EXPECT_LE(worst({21, 13, 455, 268}, 0xFFCA40CA, 0xFFF380F3, 0x123456), 3.0);
+}
+
+TEST_F(AlphaGradient, IsNothingWhereBothAreTransparent) {
+    EXPECT_LE(worst({21, 13, 455, 268}, 0x00CA40CA, 0x00F380F3, 0x123456), 0.0);
+}
+
+TEST_F(AlphaGradient, IsPlainWhereThePointsAreOne) {
+    host.send({cmd::dlStart, 0x02000000, 0x26000007, cmd::gradientA, pair(9, 9), 0x80FFFFFF,
+               pair(9, 9), 0xFF0000FF, 0, cmd::swap});
+    host.waitFrames(2);
+    EXPECT_EQ(host.chip.frame().picture.at(5, 5), 0xFF808080);
+    EXPECT_EQ(host.chip.frame().picture.at(400, 200), 0xFF808080);
+}
+
+TEST_F(AlphaGradient, FillsTheScissorAreaOnly) {
+    host.send({cmd::dlStart, 0x02102030, 0x26000007, 0x1B000000U | 100U << 11U | 50U,
+               0x1C000000U | 200U << 12U | 100U, cmd::gradientA, pair(100, 50), 0x80FF0000,
+               pair(300, 50), 0xFF00FF00, 0, cmd::swap});
+    host.waitFrames(2);
+    EXPECT_EQ(host.chip.frame().picture.at(99, 60), 0xFF102030);
+    EXPECT_NE(host.chip.frame().picture.at(100, 60), 0xFF102030);
+    EXPECT_EQ(host.chip.frame().picture.at(300, 60), 0xFF102030);
+}
+
 } // namespace

@@ -3,8 +3,8 @@
 #include "commandfault.h"
 #include "fontrom.h"
 #include "formattext.h"
-#include "gradient.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -16,6 +16,7 @@ constexpr std::uint32_t lastHandle = 31;
 constexpr std::uint32_t colorMask = 0xFFFFFF;
 constexpr unsigned decimal = 10;
 constexpr unsigned highestBase = 36;
+constexpr std::uint32_t widestFill = 0xFFFF;
 
 void checkHandle(std::uint32_t handle) {
     if (handle > lastHandle) {
@@ -26,6 +27,10 @@ void checkHandle(std::uint32_t handle) {
 // The first two words of most widgets.
 Place placeOf(const Call& call) {
     return {call.low(0), call.high(0), call.low(1), call.high(1)};
+}
+
+Gradient gradientOf(const Call& call) {
+    return {call.low(0), call.high(0), call[1], call.low(2), call.high(2), call[3]};
 }
 
 RoundPlace roundPlaceOf(const Call& call) {
@@ -39,6 +44,8 @@ void WidgetCommands::addTo(CommandSet& set) {
     set.add(Command::BgColor, *this, &WidgetCommands::backgroundColor);
     set.add(Command::GradColor, *this, &WidgetCommands::gradientColor);
     set.add(Command::Gradient, *this, &WidgetCommands::gradient);
+    set.add(Command::GradientA, *this, &WidgetCommands::gradientA);
+    set.add(Command::FillWidth, *this, &WidgetCommands::fillWidth);
     set.add(Command::Text, *this, &WidgetCommands::text);
     set.add(Command::Number, *this, &WidgetCommands::number);
     set.add(Command::Button, *this, &WidgetCommands::button);
@@ -62,6 +69,7 @@ void WidgetCommands::reset() {
     m_colors = {};
     m_fonts.reset();
     m_base = decimal;
+    m_fillWidth = 0;
 }
 
 template<typename Draw>
@@ -108,28 +116,37 @@ void WidgetCommands::gradientColor(const Call& call) {
     m_colors.gradient = call[0] & colorMask;
 }
 
+GradientCanvas WidgetCommands::canvas() const {
+    return {m_machine.generation, romRamp(m_machine.generation), m_fonts.scratchHandle(),
+            m_machine.pictureWidth(), m_machine.pictureHeight()};
+}
+
 void WidgetCommands::gradient(const Call& call) {
-    Gradient gradient;
-    gradient.x0 = call.low(0);
-    gradient.y0 = call.high(0);
-    gradient.rgb0 = call[1];
-    gradient.x1 = call.low(2);
-    gradient.y1 = call.high(2);
-    gradient.rgb1 = call[3];
     Words words;
-    appendGradient(words, m_machine.generation, romRamp(m_machine.generation),
-                   m_fonts.scratchHandle(), m_machine.pictureWidth(), m_machine.pictureHeight(),
-                   gradient);
+    appendGradient(words, canvas(), gradientOf(call));
     m_machine.list.put(words);
 }
 
+void WidgetCommands::gradientA(const Call& call) {
+    Words words;
+    appendAlphaGradient(words, canvas(), gradientOf(call));
+    m_machine.list.put(words);
+}
+
+void WidgetCommands::fillWidth(const Call& call) {
+    m_fillWidth = static_cast<int>(std::min(call[0], widestFill));
+}
+
+Label WidgetCommands::labelOf(const Call& call, const Font& font) const {
+    const bool filled =
+        m_machine.generation == Generation::E3 && (call.textOptions() & option::fill);
+    return {font, filled ? brokenText(font, textOf(call), m_fillWidth) : textOf(call)};
+}
+
 void WidgetCommands::text(const Call& call) {
-    if (m_machine.generation == Generation::E3 && (call.textOptions() & option::fill)) {
-        m_machine.port.complain("option FILL of TEXT is not modelled");
-    }
     const Font font = fontOf(call.lowUnsigned(1));
     draw([&](WidgetWriter& writer) {
-        writer.text({call.low(0), call.high(0), call.textOptions()}, {font, textOf(call)});
+        writer.text({call.low(0), call.high(0), call.textOptions()}, labelOf(call, font));
     });
 }
 
@@ -145,7 +162,7 @@ void WidgetCommands::number(const Call& call) {
 void WidgetCommands::button(const Call& call) {
     const Font font = fontOf(call.lowUnsigned(2));
     draw([&](WidgetWriter& writer) {
-        writer.button(placeOf(call), call.textOptions(), {font, textOf(call)});
+        writer.button(placeOf(call), call.textOptions(), labelOf(call, font));
     });
 }
 

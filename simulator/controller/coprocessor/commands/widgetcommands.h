@@ -2,6 +2,7 @@
 
 #include "commandset.h"
 #include "font.h"
+#include "gradient.h"
 #include "machine.h"
 #include "widgets.h"
 
@@ -25,6 +26,8 @@ private:
     void backgroundColor(const Call& call);
     void gradientColor(const Call& call);
     void gradient(const Call& call);
+    void gradientA(const Call& call);
+    void fillWidth(const Call& call);
     void text(const Call& call);
     void number(const Call& call);
     void button(const Call& call);
@@ -45,6 +48,9 @@ private:
 
     Font fontOf(std::uint32_t number) const;
     std::string textOf(const Call& call) const;
+    // What a command with the option FILL writes, in lines.
+    Label labelOf(const Call& call, const Font& font) const;
+    GradientCanvas canvas() const;
     template<typename Draw>
     void draw(Draw drawing);
 
@@ -52,6 +58,7 @@ private:
     WidgetColors m_colors;
     FontTable m_fonts;
     unsigned m_base = 10;
+    int m_fillWidth = 0; // pixels; 0: text is not broken
 };
 
 } // namespace controller

@@ -29,6 +29,35 @@ int Font::widthOf(const std::string& text) const {
     return width;
 }
 
+std::string brokenText(const Font& font, const std::string& text, int width) {
+    if (width <= 0) {
+        return text;
+    }
+    std::string result = text;
+    int used = 0;                          // of the line, up to here
+    std::size_t blank = std::string::npos; // the line's last
+    int behindBlank = 0;                   // used up to and with that
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        if (result[i] == '\n') {
+            used = 0;
+            blank = std::string::npos;
+            continue;
+        }
+        const bool isBlank = result[i] == ' ';
+        used += font.widthOf(static_cast<unsigned char>(result[i]));
+        if (used > width && !isBlank && blank != std::string::npos) {
+            result[blank] = '\n';
+            used -= behindBlank;
+            blank = std::string::npos;
+        }
+        if (isBlank) {
+            blank = i;
+            behindBlank = used;
+        }
+    }
+    return result;
+}
+
 FontTable::FontTable(Generation generation, const MemoryMap& memory)
     : m_generation(generation), m_memory(memory) {
     reset();

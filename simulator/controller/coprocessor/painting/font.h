@@ -28,6 +28,10 @@ struct Font {
     int widthOf(const std::string& text) const;
 };
 
+// `text` with line feeds instead of blanks where a line would be wider than `width` pixels; a word
+// that is wider stands alone. Unchanged when the width is 0.
+std::string brokenText(const Font& font, const std::string& text, int width);
+
 // The coprocessor's table of fonts: which metric block belongs to which font number. Numbers 0 to
 // 31 are bitmap handles; 16 to 31, and beyond them the larger ROM fonts of E2 and E3, stand for
 // ROM fonts until changed. A font beyond 31 is drawn through the scratch handle.
