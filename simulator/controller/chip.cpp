@@ -59,7 +59,7 @@ constexpr std::size_t mebibyte = 1048576;
 
 Controller::Chip::Chip(Generation generation, const Options& options)
     : m_generation(generation), m_memory(generation, romImage(generation)), m_registers(generation),
-      m_bus(generation, m_memory, *this), m_host(*this), m_power(generation),
+      m_bus(generation, m_memory, *this), m_host(*this), m_power(generation), m_touch(generation),
       m_flash(generation == Generation::E3 ? options.flashSize : 0),
       m_display(generation, options.vectors, m_memory, m_registers,
                 [this](const std::string& text) { complain(text); }),
@@ -290,15 +290,17 @@ void Controller::Chip::frameEnded() {
 }
 
 void Controller::Chip::noteTouch() {
-    const std::uint32_t rawBefore = m_registers[Register::TouchRawXy];
+    const bool wasTouched = m_registers[Register::TouchScreenXy] != untouchedScreenXy;
     const std::uint32_t tagBefore = m_registers[Register::TouchTag];
-    const std::optional<Point> pixel = m_touch.sample(m_registers);
-    const std::uint32_t tag = pixel ? m_display.tagAt(pixel->x, pixel->y) : 0;
-    m_registers.set(Register::TouchTag, tag);
-    if (rawBefore == untouchedRawXy && pixel) {
+    const Touches touches = m_touch.sample(m_registers);
+    for (std::size_t i = 0; i < touches.size(); ++i) {
+        const std::uint32_t tag = touches[i] ? m_display.tagAt(touches[i]->x, touches[i]->y) : 0;
+        m_registers.set(tagRegisters[i], tag);
+    }
+    if (!wasTouched && touches[0]) {
         raise(interrupt::touch);
     }
-    if (tag != tagBefore) {
+    if (m_registers[Register::TouchTag] != tagBefore) {
         raise(interrupt::tag);
     }
 }

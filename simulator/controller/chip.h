@@ -48,8 +48,8 @@ public:
 
     Generation generation() const { return m_generation; }
     void setObserver(Observer* observer) { m_observer = observer; }
-    void touch(int x, int y) { m_touch.touch({x, y}); }
-    void release() { m_touch.release(); }
+    void touch(int x, int y, std::size_t finger) { m_touch.touch({x, y}, finger); }
+    void release(std::size_t finger) { m_touch.release(finger); }
     PanelState panel() const;
     const Frame& frame() { return m_display.frame(); }
     std::uint32_t framesScanned() const override { return m_registers[Register::Frames]; }

@@ -34,12 +34,12 @@ void Controller::setObserver(Observer* observer) {
     m_chip->setObserver(observer);
 }
 
-void Controller::touch(int x, int y) {
-    m_chip->touch(x, y);
+void Controller::touch(int x, int y, std::size_t finger) {
+    m_chip->touch(x, y, finger);
 }
 
-void Controller::release() {
-    m_chip->release();
+void Controller::release(std::size_t finger) {
+    m_chip->release(finger);
 }
 
 PanelState Controller::panel() const {

@@ -71,8 +71,10 @@ public:
     Generation generation() const;
     void setObserver(Observer* observer); // not owned; null for none
 
-    void touch(int x, int y); // the finger is at panel pixel (x, y) from the next frame on
-    void release();
+    // A finger is at panel pixel (x, y) from the next frame on. Fingers are numbered from 0 to 4;
+    // those behind the first show only with CTOUCH_EXTENDED 0 on E2 and E3.
+    void touch(int x, int y, std::size_t finger = 0);
+    void release(std::size_t finger = 0);
 
     PanelState panel() const;
     // What the list now shown draws, whatever the backlight does. Drawn on demand.

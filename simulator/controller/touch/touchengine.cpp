@@ -20,9 +20,8 @@ constexpr std::int64_t panelF = 10494;
 constexpr std::uint32_t resistanceTouched = 1000;
 constexpr std::uint32_t resistanceUntouched = 0x7FFF;
 
-constexpr std::uint32_t untouchedScreenXy = 0x80008000;
-
 constexpr std::uint32_t untouchedDirectXy = 0x80000000;
+constexpr std::uint32_t untouchedHalf = 0x8000; // of the fifth finger's place
 
 namespace mode {
 constexpr std::uint32_t off = 0;
@@ -61,28 +60,56 @@ Point TouchEngine::screenPosition(const Registers& registers, Point raw) {
                         signedValue(registers, Register::TouchTransformF), raw)};
 }
 
-std::optional<Point> TouchEngine::sample(Registers& registers) {
+std::optional<Point> TouchEngine::place(const Registers& registers, std::size_t finger) const {
+    const std::optional<Point>& pixel = m_fingersOfFrame[finger];
+    return pixel ? std::optional(screenPosition(registers, rawPosition(*pixel))) : std::nullopt;
+}
+
+Touches TouchEngine::sample(Registers& registers) {
     const std::uint32_t touchMode = registers[Register::TouchMode];
-    const bool touched = m_fingerOfFrame && touchMode != mode::off &&
-                         resistanceTouched <= registers[Register::TouchRzThresh];
+    const bool fingers = showsFingers(m_generation, registers);
+    const bool hard = fingers || resistanceTouched <= registers[Register::TouchRzThresh];
     if (touchMode == mode::oneShot) {
         registers.set(Register::TouchMode, mode::off);
     }
-    registers.set(Register::TouchRz, touched ? resistanceTouched : resistanceUntouched);
-    if (!touched) {
-        registers.set(Register::TouchRawXy, untouchedRawXy);
-        registers.set(Register::TouchDirectXy, untouchedDirectXy);
-        registers.set(Register::TouchScreenXy, untouchedScreenXy);
-        registers.set(Register::TouchTagXy, untouchedScreenXy);
-        return std::nullopt;
+    Touches touches;
+    for (std::size_t i = 0; i < (fingers ? mostFingers : 1); ++i) {
+        if (touchMode != mode::off && hard) {
+            touches[i] = place(registers, i);
+        }
     }
-    const Point raw = rawPosition(*m_fingerOfFrame);
-    const Point screen = screenPosition(registers, raw);
-    registers.set(Register::TouchRawXy, packedXy(raw));
-    registers.set(Register::TouchDirectXy, packedXy(raw) & 0x03FF03FFU);
-    registers.set(Register::TouchScreenXy, packedXy(screen));
-    registers.set(Register::TouchTagXy, packedXy(screen));
-    return screen;
+    for (std::size_t i = 0; i < mostFingers; ++i) {
+        registers.set(tagPlaceRegisters[i], touches[i] ? packedXy(*touches[i]) : untouchedScreenXy);
+    }
+    registers.set(Register::TouchScreenXy, registers[Register::TouchTagXy]);
+    if (fingers) {
+        showFive(registers, touches);
+    } else {
+        showOne(registers, touches[0].has_value());
+    }
+    return touches;
+}
+
+// The raw coordinates of the only finger.
+void TouchEngine::showOne(Registers& registers, bool touched) const {
+    const std::uint32_t raw =
+        touched ? packedXy(rawPosition(*m_fingersOfFrame[0])) : untouchedRawXy;
+    registers.set(Register::TouchRz, touched ? resistanceTouched : resistanceUntouched);
+    registers.set(Register::TouchRawXy, raw);
+    registers.set(Register::TouchDirectXy, touched ? raw & 0x03FF03FFU : untouchedDirectXy);
+}
+
+// The same registers, for the second finger and on.
+void TouchEngine::showFive(Registers& registers, const Touches& touches) {
+    const auto packed = [&touches](std::size_t finger) {
+        return touches[finger] ? packedXy(*touches[finger]) : untouchedScreenXy;
+    };
+    registers.set(Register::TouchRawXy, packed(1));
+    registers.set(Register::TouchDirectXy, packed(2));
+    registers.set(Register::TouchDirectZ1Z2, packed(3));
+    const std::uint32_t fifth = packed(4);
+    registers.set(Register::Analog, touches[4] ? fifth >> 16U : untouchedHalf);
+    registers.set(Register::TouchRz, touches[4] ? fifth & 0xFFFFU : untouchedHalf);
 }
 
 } // namespace controller

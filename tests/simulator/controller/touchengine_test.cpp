@@ -202,4 +202,120 @@ TEST(TouchEngine, ThePollsOfTheTagAreCounted) {
     EXPECT_EQ(host.chip.touchTagReads(), 2U);
 }
 
+// --- five fingers
+
+class Fingers : public testing::TestWithParam<Generation> {
+protected:
+    Fingers() : host(GetParam()) {
+        host.bootWithPanel();
+        writeTransform(host);
+        // Five vertical bars with tags 1 to 5, 96 pixels wide.
+        std::vector<std::uint32_t> list = {cmd::dlStart, 0x26000007, 0x1F000009};
+        for (std::uint32_t i = 0; i < 5; ++i) {
+            list.push_back(0x03000001 + i);
+            list.push_back(0x80000000U | (i * 96 + 2) << 21U);
+            list.push_back(0x80000000U | (i * 96 + 93) << 21U | 270U << 12U);
+        }
+        host.send(list + std::vector<std::uint32_t>{0, cmd::swap});
+        host.waitFrames(2);
+    }
+    void showFingers() { host.write8(0x302108, 0); } // CTOUCH_EXTENDED
+    void touchAll() {
+        for (std::size_t i = 0; i < 5; ++i) {
+            host.chip.touch(x(i), y(i), i);
+        }
+        host.waitFrames(2);
+    }
+    static int x(std::size_t finger) { return static_cast<int>(finger) * 96 + 40; }
+    static int y(std::size_t finger) { return static_cast<int>(finger) * 30 + 50; }
+    static std::uint32_t xy(std::size_t finger) { return pair(y(finger), x(finger)); }
+    std::uint32_t placeOf(std::size_t finger) {
+        constexpr std::uint32_t registers[] = {0x302124, 0x30211C, 0x30218C, 0x302190};
+        return finger < 4 ? host.read32(registers[finger])
+                          : pair(host.read16(0x302120), host.read16(0x30216C));
+    }
+    std::uint32_t tagOf(std::uint32_t finger) { return host.read32(0x30212C + 8 * finger); }
+    std::uint32_t tagPlaceOf(std::uint32_t finger) { return host.read32(0x302128 + 8 * finger); }
+
+    Host host;
+};
+
+INSTANTIATE_TEST_SUITE_P(TouchEngine, Fingers, testing::Values(Generation::E2, Generation::E3));
+
+TEST_P(Fingers, AllFiveShowWithTheirTags) {
+    showFingers();
+    touchAll();
+    for (std::uint32_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(placeOf(i), xy(i)) << i;
+        EXPECT_EQ(tagPlaceOf(i), xy(i)) << i;
+        EXPECT_EQ(tagOf(i), i + 1) << i;
+    }
+}
+
+TEST_P(Fingers, EachGoesByItself) {
+    showFingers();
+    touchAll();
+    host.chip.release(0);
+    host.chip.release(3);
+    host.waitFrames(2);
+    for (const std::uint32_t gone : {0U, 3U}) {
+        EXPECT_EQ(placeOf(gone), 0x80008000U) << gone;
+        EXPECT_EQ(tagPlaceOf(gone), 0x80008000U) << gone;
+        EXPECT_EQ(tagOf(gone), 0U) << gone;
+    }
+    EXPECT_EQ(tagOf(1), 2U);
+    EXPECT_EQ(tagOf(4), 5U);
+    host.chip.release(4);
+    host.waitFrames(2);
+    EXPECT_EQ(placeOf(4), 0x80008000U);
+}
+
+TEST_P(Fingers, OnlyTheFirstShowsOtherwise) {
+    touchAll();
+    EXPECT_EQ(placeOf(0), xy(0));
+    EXPECT_EQ(tagOf(0), 1U);
+    EXPECT_NE(placeOf(1), xy(1)) << "raw coordinates of the first";
+    for (std::uint32_t i = 1; i < 5; ++i) {
+        EXPECT_EQ(tagPlaceOf(i), 0x80008000U) << i;
+        EXPECT_EQ(tagOf(i), 0U) << i;
+    }
+}
+
+TEST_P(Fingers, EachHasItsTrack) {
+    showFingers();
+    for (std::uint32_t i = 0; i < 5; ++i) {
+        host.send({cmd::track, pair(static_cast<int>(i) * 96, 0), pair(80, 10), i + 1});
+    }
+    touchAll();
+    for (std::uint32_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(host.read32(0x309000 + 4 * i), 0x80000000U | (i + 1)) << "half of each";
+    }
+    host.chip.release(2);
+    host.waitFrames(2);
+    EXPECT_EQ(host.read32(0x309008), 0U);
+    EXPECT_EQ(host.read32(0x30900C), 0x80000004U);
+}
+
+TEST_P(Fingers, CalibrationNeedsTheRawCoordinatesOfOne) {
+    showFingers();
+    const std::uint32_t start = host.read16(host.at.cmdWrite());
+    host.send({cmd::calibrate, 0xEEEEEEEE});
+    EXPECT_TRUE(host.ringIsEmpty());
+    EXPECT_EQ(host.read32(host.at.ramCmd() + start + 4), 0U);
+    EXPECT_TRUE(host.seen.complainedAbout("CALIBRATE: no raw coordinates"));
+}
+
+TEST(TouchEngine, TheFirstGenerationHasOneFinger) {
+    Host host(Generation::E1);
+    host.bootWithPanel();
+    writeTransform(host);
+    host.write8(0x1024F4, 0); // REG_TOUCH_ADC_MODE
+    host.chip.touch(100, 100);
+    host.chip.touch(200, 200, 1);
+    host.waitFrames(2);
+    EXPECT_EQ(host.read32(host.at.touchScreenXy()), pair(100, 100));
+    const Point raw = TouchEngine::rawPosition({100, 100});
+    EXPECT_EQ(host.read32(host.at.touchRawXy()), pair(raw.y, raw.x));
+}
+
 } // namespace

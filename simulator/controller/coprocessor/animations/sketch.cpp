@@ -6,10 +6,10 @@
 namespace controller {
 
 void Sketch::frameEnded() {
-    if (m_machine.registers[Register::TouchRawXy] == untouchedRawXy) {
+    const std::uint32_t screen = m_machine.registers[Register::TouchScreenXy];
+    if (screen == untouchedScreenXy) {
         return;
     }
-    const std::uint32_t screen = m_machine.registers[Register::TouchScreenXy];
     const int x = highHalf(screen) - m_pad.x;
     const int y = lowHalf(screen) - m_pad.y;
     if (x < 0 || y < 0 || x >= m_pad.width || y >= m_pad.height) {

@@ -1,7 +1,6 @@
 #include "tracker.h"
 
 #include "fixedmath.h"
-#include "touchengine.h"
 
 #include <algorithm>
 
@@ -28,26 +27,35 @@ void Tracker::set(const Track& track) {
 
 void Tracker::reset() {
     m_tracks.clear();
-    m_tag = 0;
+    m_tags.fill(0);
 }
 
 void Tracker::frameEnded() {
-    const std::uint32_t word = m_machine.memory.layout().tracker;
-    if (m_machine.registers[Register::TouchRawXy] == untouchedRawXy) {
-        m_tag = 0;
+    const std::size_t fingers = m_machine.generation == Generation::E1 ? 1 : mostFingers;
+    for (std::size_t i = 0; i < fingers; ++i) {
+        follow(i);
+    }
+}
+
+void Tracker::follow(std::size_t finger) {
+    const std::uint32_t word =
+        m_machine.memory.layout().tracker + 4 * static_cast<std::uint32_t>(finger);
+    const std::uint32_t place = m_machine.registers[tagPlaceRegisters[finger]];
+    std::uint32_t& tag = m_tags[finger];
+    if (place == untouchedScreenXy) {
+        tag = 0;
         if (!m_tracks.empty()) {
             m_machine.memory.write32(word, 0);
         }
         return;
     }
-    if (m_tag == 0) {
-        m_tag = m_machine.registers[Register::TouchTag];
+    if (tag == 0) {
+        tag = m_machine.registers[tagRegisters[finger]];
     }
     const auto track = std::find_if(m_tracks.begin(), m_tracks.end(),
-                                    [this](const Track& known) { return known.tag == m_tag; });
+                                    [tag](const Track& known) { return known.tag == tag; });
     if (track != m_tracks.end()) {
-        const std::uint32_t screen = m_machine.registers[Register::TouchScreenXy];
-        m_machine.memory.write32(word, track->valueAt(highHalf(screen), lowHalf(screen)) << 16U |
+        m_machine.memory.write32(word, track->valueAt(highHalf(place), lowHalf(place)) << 16U |
                                            track->tag);
     }
 }

@@ -2,15 +2,18 @@
 
 #include "animation.h"
 #include "machine.h"
+#include "touchengine.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace controller {
 
-// Follows touches along tracks, each of which belongs to a tag, and says in the tracker word where
-// on its track the touch is: the value in the high half, 65536 for the whole of the track, the tag
-// in the low half.
+// Follows fingers along tracks, each of which belongs to a tag, and says in the finger's tracker
+// word where on its track it is: the value in the high half, 65536 for the whole of the track, the
+// tag in the low half.
 class Tracker : public Animation {
 public:
     // A track of 1 x 1 follows turns around its point, any other one moves along its longer side.
@@ -32,9 +35,11 @@ public:
     void frameEnded() override;
 
 private:
+    void follow(std::size_t finger);
+
     Machine& m_machine;
     std::vector<Track> m_tracks;
-    std::uint32_t m_tag = 0; // that the touch began on
+    std::array<std::uint32_t, mostFingers> m_tags{}; // that each finger's touch began on
 };
 
 } // namespace controller

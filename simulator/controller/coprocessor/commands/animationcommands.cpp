@@ -7,6 +7,7 @@
 #include "screensaver.h"
 #include "sketch.h"
 #include "spinner.h"
+#include "touchengine.h"
 
 #include <memory>
 #include <optional>
@@ -38,6 +39,11 @@ void AnimationCommands::stop(const Call&) {
 }
 
 Outcome AnimationCommands::calibrate(const Call& call) {
+    if (showsFingers(m_machine.generation, m_machine.registers)) {
+        m_machine.port.complain("CALIBRATE: no raw coordinates while five fingers are shown");
+        call.putResult(m_machine.memory, 0, 0);
+        return Progress::Done;
+    }
     const auto dots = std::make_shared<Calibration>(m_machine);
     m_animations.setOverlay(std::make_unique<Overlay>(m_machine, dots));
     return [this, dots, call] {
