@@ -119,6 +119,7 @@ void Controller::Chip::hostWrite(std::uint32_t address, std::uint8_t value) {
 
 void Controller::Chip::hostBurstEnded() {
     m_bus.endBurst();
+    runCoprocessor(); // the burst may have filled the media FIFO
 }
 
 std::uint32_t Controller::Chip::nextHostWrite(std::uint32_t address) const {

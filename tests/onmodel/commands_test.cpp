@@ -66,8 +66,13 @@ Sender followedBy(const std::vector<std::uint32_t>& words, const Sender& send) {
 
 // The zlib stream of "abcd".
 const std::vector<std::uint32_t> zlibStream = {0x4C4B9C78, 0x00014E4A, 0x8B01D803};
-// A picture file of the least size that shows where it ends.
-const std::vector<std::uint32_t> smallestJpeg = {0xE0FFD8FF, 0x0000D9FF};
+// A JPEG of one grey pixel.
+const std::vector<std::uint32_t> smallestJpeg = {
+    0xDBFFD8FF, 0x01004300, 0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101,
+    0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101, 0x01010101,
+    0x01010101, 0xFF010101, 0x080B00C0, 0x01000100, 0x00110101, 0x1400C4FF, 0x00000100, 0x00000000,
+    0x00000000, 0x00000000, 0xC4FF0000, 0x01101400, 0x00000000, 0x00000000, 0x00000000, 0x00000000,
+    0x0800DAFF, 0x00000101, 0xFF3F003F, 0x000000D9};
 // "RIFF" and how much follows.
 const std::vector<std::uint32_t> emptyVideo = {0x46464952, 4, 0x20495641};
 const std::vector<std::uint32_t> sixBytes = {0x04030201, 0x00000605};
@@ -139,7 +144,7 @@ const std::vector<Command> textCommands = {
     {"TEXT",       E3, drawFormattedText},
     {"NUMBER",     E1, call(Gpu_CoCmd_Number, 10, 20, 27, 0, 1234)},
     {"SETBASE",    E2, call(Gpu_CoCmd_SetBase, 16)},
-    {"FILLWIDTH",  E3, call(Gpu_CoCmd_FillWidth, 200), Lacking},
+    {"FILLWIDTH",  E3, call(Gpu_CoCmd_FillWidth, 200)},
     {"SETFONT",    E1, call(Gpu_CoCmd_SetFont, 7, memory)},
     {"SETFONT2",   E2, call(Gpu_CoCmd_SetFont2, 7, memory, 32)},
     {"ROMFONT",    E2, call(Gpu_CoCmd_RomFont, 1, 33)},
@@ -157,7 +162,7 @@ const std::vector<Command> widgetCommands = {
     {"PROGRESS",  E1, call(Gpu_CoCmd_Progress, 10, 10, 100, 10, 0, 30, 100)},
     {"SCROLLBAR", E1, call(Gpu_CoCmd_Scrollbar, 10, 10, 100, 10, 0, 30, 20, 100)},
     {"GRADIENT",  E1, call(Gpu_CoCmd_Gradient, 0, 0, 0x000000, 480, 272, 0xFFFFFF)},
-    {"GRADIENTA", E3, call(Gpu_CoCmd_GradientA, 0, 0, 0x80000000, 480, 272, 0xFFFFFFFF), Lacking},
+    {"GRADIENTA", E3, call(Gpu_CoCmd_GradientA, 0, 0, 0x80000000, 480, 272, 0xFFFFFFFF)},
 };
 
 const std::vector<Command> animationCommands = {
@@ -198,7 +203,7 @@ const std::vector<Command> bitmapCommands = {
 const std::vector<Command> memoryCommands = {
     {"INFLATE",     E1, followedBy(zlibStream, call(Gpu_CoCmd_Inflate, memory))},
     {"INFLATE2",    E3, followedBy(zlibStream, call(Gpu_CoCmd_Inflate2, memory, 0))},
-    {"LOADIMAGE",   E1, followedBy(smallestJpeg, call(Gpu_CoCmd_LoadImage, memory, 0)), Lacking},
+    {"LOADIMAGE",   E1, followedBy(smallestJpeg, call(Gpu_CoCmd_LoadImage, memory, 0))},
     {"GETPTR",      E1, call(Gpu_CoCmd_GetPtr, 0)},
     {"GETPROPS",    E1, call(Gpu_CoCmd_GetProps, 0, 0, 0)},
     {"MEMWRITE",    E1, followedBy(sixBytes, call(Gpu_CoCmd_MemWrite, memory, 6))},
@@ -206,7 +211,7 @@ const std::vector<Command> memoryCommands = {
     {"MEMSET",      E1, call(Gpu_CoCmd_MemSet, memory, 0x55, 100)},
     {"MEMZERO",     E1, call(Gpu_CoCmd_MemZero, memory, 100)},
     {"MEMCRC",      E1, call(Gpu_CoCmd_MemCrc, memory, 100, 0)},
-    {"MEDIAFIFO",   E2, call(Gpu_CoCmd_MediaFifo, memory, 4096), Lacking},
+    {"MEDIAFIFO",   E2, call(Gpu_CoCmd_MediaFifo, memory, 4096)},
     {"PLAYVIDEO",   E2, followedBy(emptyVideo, call(Gpu_CoCmd_PlayVideo, 0)), Lacking},
     {"VIDEOSTART",  E2, call(Gpu_CoCmd_VideoStart), Lacking},
     {"VIDEOFRAME",  E2, call(Gpu_CoCmd_VideoFrame, memory, 0), Lacking},

@@ -153,15 +153,15 @@ TEST(Coprocessor, ACommandThatIsNotModelledIsTakenAndComplainedAbout) {
     EXPECT_TRUE(host.seen.complainedAbout("ANIMDRAW is not modelled"));
 }
 
-TEST(Coprocessor, ImagesAreTakenToTheirEndAndComplainedAbout) {
+TEST(Coprocessor, VideoIsTakenToItsEndAndComplainedAbout) {
     Host host(Generation::E3);
     host.boot();
-    host.send({cmd::dlStart, cmd::loadImage, 0, 0});
-    host.sendBytes({0xFF, 0xD8, 0xFF, 0xE0, 1, 2, 3, 4, 0xFF, 0xD9});
+    host.send({cmd::dlStart, 0xFFFFFF3A, 0});
+    host.sendBytes({'R', 'I', 'F', 'F', 3, 0, 0, 0, 1, 2, 3, 0});
     host.send({0x26000007});
     EXPECT_TRUE(host.ringIsEmpty());
     EXPECT_EQ(host.read16(host.at.cmdDl()), 4);
-    EXPECT_TRUE(host.seen.complainedAbout("LOADIMAGE is not modelled"));
+    EXPECT_TRUE(host.seen.complainedAbout("PLAYVIDEO is not modelled"));
 }
 
 TEST(Coprocessor, WordsCanBeFedThroughARegister) {

@@ -19,8 +19,7 @@ namespace controller {
 // from frame to frame.
 //
 // Commands that exist but are not modelled are complained about: self-tests (CRC, HAMMERAUX, MARCH,
-// IDCT, EXECUTE), images and video (LOADIMAGE, PLAYVIDEO, VIDEO...), the media FIFO, E3's
-// animations, GRADIENTA, FILLWIDTH, SHA1 and HMAC.
+// IDCT, EXECUTE), video (PLAYVIDEO, VIDEO...), E3's animations, SHA1 and HMAC.
 class Commands {
 public:
     explicit Commands(Machine& machine);

@@ -7,15 +7,21 @@
 
 #include <algorithm>
 #include <memory>
-#include <string>
+#include <utility>
+#include <vector>
 
 namespace controller {
 
 namespace {
 
-constexpr std::uint32_t optionMediaFifo = 0x10;
-constexpr std::uint32_t optionFlash = 0x40;
+// Options of INFLATE2 and LOADIMAGE.
+constexpr std::uint32_t optionMediaFifo = ImageLoader::fromMediaFifo;
+constexpr std::uint32_t optionFlash = ImageLoader::fromFlash;
 
+// Files longer than all addresses are refused.
+constexpr std::size_t longestFile = addressMask + 1;
+// What taking a byte of a file costs.
+constexpr std::int64_t fileByte = 5;
 // Bytes of flash that are read at a time.
 constexpr std::size_t flashPiece = 4096;
 // What beginning to unpack costs, and each byte that comes of it besides being moved.
@@ -27,22 +33,34 @@ constexpr std::int64_t inflatedByte = 3;
 void StreamCommands::addTo(CommandSet& set) {
     set.add(Command::Inflate, *this, &StreamCommands::inflate);
     set.add(Command::Inflate2, *this, &StreamCommands::inflate2);
-    set.add(Command::LoadImage, *this, &StreamCommands::image);
-    set.add(Command::PlayVideo, *this, &StreamCommands::image);
+    set.add(Command::LoadImage, *this, &StreamCommands::loadImage);
+    set.add(Command::PlayVideo, *this, &StreamCommands::playVideo);
+    set.add(Command::MediaFifo, *this, &StreamCommands::mediaFifo);
     set.add(Command::GetPtr, *this, &StreamCommands::getPtr);
     set.add(Command::GetProps, *this, &StreamCommands::getProps);
     set.add(Command::FlashSource, *this, &StreamCommands::flashSource);
+}
+
+void StreamCommands::reset() {
+    m_pointer = 0;
+    m_mediaFifo.reset();
+    m_images.reset();
 }
 
 void StreamCommands::getPtr(const Call& call) {
     call.putResult(m_machine.memory, 0, m_pointer);
 }
 
-// Properties of the last image loaded; as images are not modelled, there is none.
+// Of the last image loaded.
 void StreamCommands::getProps(const Call& call) {
-    for (std::size_t i = 0; i < 3; ++i) {
-        call.putResult(m_machine.memory, i, 0);
-    }
+    const ImageLoader::Properties& image = m_images.properties();
+    call.putResult(m_machine.memory, 0, image.address);
+    call.putResult(m_machine.memory, 1, image.width);
+    call.putResult(m_machine.memory, 2, image.height);
+}
+
+void StreamCommands::mediaFifo(const Call& call) {
+    m_mediaFifo.set(call[0], call[1]);
 }
 
 void StreamCommands::flashSource(const Call& call) {
@@ -72,11 +90,10 @@ Outcome StreamCommands::inflate(const Call& call) {
 }
 
 Outcome StreamCommands::inflate2(const Call& call) {
-    if (call[1] & optionMediaFifo) {
-        m_machine.port.complain("INFLATE2: the media FIFO is not modelled");
-        return Progress::Done;
-    }
     const DataSink sink = inflateSink(call[0]);
+    if (call[1] & optionMediaFifo) {
+        return m_mediaFifo.reader(sink);
+    }
     if (!(call[1] & optionFlash)) {
         return sink;
     }
@@ -99,10 +116,48 @@ Outcome StreamCommands::inflate2(const Call& call) {
     };
 }
 
-// Images and video are taken from the ring, not unpacked.
-Outcome StreamCommands::image(const Call& call) {
-    m_machine.port.complain(std::string("coprocessor command ") + call.name() + " is not modelled");
-    if (call.words.back() & (optionMediaFifo | optionFlash)) {
+// The file is collected first: what it is damaged by may stand at its end.
+DataSink StreamCommands::imageSink(std::uint32_t address, std::uint32_t options) {
+    return [this, address, options, end = ImageEnd(), file = std::vector<std::uint8_t>()](
+               const std::uint8_t* bytes, std::size_t count) mutable {
+        m_machine.budget.spend(fileByte * static_cast<std::int64_t>(count));
+        for (std::size_t i = 0; i < count; ++i) {
+            file.push_back(bytes[i]);
+            const bool complete = end.take(bytes[i]);
+            if (end.kind() == ImageEnd::Kind::None || end.kind() == ImageEnd::Kind::Avi) {
+                fault("neither JPEG nor PNG");
+            }
+            if (complete) {
+                m_pointer = m_images.load(file, address, options);
+                return true;
+            }
+        }
+        if (file.size() > longestFile) {
+            fault("image is too long");
+        }
+        return false;
+    };
+}
+
+Outcome StreamCommands::loadImage(const Call& call) {
+    if (call[1] & optionFlash) {
+        m_machine.port.complain("LOADIMAGE: images in flash are not modelled");
+        return Progress::Done;
+    }
+    DataSink sink = imageSink(call[0], call[1]);
+    if (!(call[1] & optionMediaFifo)) {
+        return sink;
+    }
+    if (m_machine.generation == Generation::E1) {
+        fault("there is no media FIFO");
+    }
+    return m_mediaFifo.reader(std::move(sink));
+}
+
+// Video is taken from the ring, not played.
+Outcome StreamCommands::playVideo(const Call& call) {
+    m_machine.port.complain("coprocessor command PLAYVIDEO is not modelled");
+    if (call[0] & (optionMediaFifo | optionFlash)) {
         return Progress::Done;
     }
     return [end = ImageEnd()](const std::uint8_t* bytes, std::size_t count) mutable {
@@ -110,7 +165,7 @@ Outcome StreamCommands::image(const Call& call) {
         for (std::size_t i = 0; i < count && !done; ++i) {
             done = end.take(bytes[i]);
         }
-        if (!end.isKnown()) {
+        if (end.kind() == ImageEnd::Kind::None) {
             fault("neither JPEG, PNG nor AVI");
         }
         return done;
