@@ -104,8 +104,8 @@ TEST_F(CoprocessorWork, ACommandIsDoneWhenItHasBeenPaidFor) {
 TEST_F(CoprocessorWork, ErasingTheFlashTakesManySlices) {
     EXPECT_LE(mostWork(repeated({cmd::flashErase}, 1000), 50), workOfSlice + megabyte + 10'000);
     EXPECT_EQ(host.read16(host.at.cmdRead()), 4) << "busy with the second";
-    host.wait(1000 * 40 * ms);
-    EXPECT_TRUE(host.ringIsEmpty());
+    host.wait(35 * ms);
+    EXPECT_EQ(host.read16(host.at.cmdRead()), 8) << "busy with the third";
 }
 
 TEST_F(CoprocessorWork, ErasingTheFlashOverItsOwnBusIsPaidForAfterwards) {
@@ -119,7 +119,7 @@ TEST_F(CoprocessorWork, ErasingTheFlashOverItsOwnBusIsPaidForAfterwards) {
 TEST_F(CoprocessorWork, SnapshotsTakeManySlices) {
     host.startPanel();
     const std::int64_t one = 480 * 272 * 20 + 10'000;
-    EXPECT_LT(mostWork(repeated({cmd::snapshot, 0}, 500), 50), workOfSlice + one);
+    EXPECT_LT(mostWork(repeated({cmd::snapshot, 0}, 500), 10), workOfSlice + one);
     EXPECT_FALSE(host.ringIsEmpty());
 }
 

@@ -1,0 +1,94 @@
+#include "host.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace controllertest;
+using V = std::vector<std::uint32_t>;
+
+std::uint32_t vertex2f(int x, int y) {
+    return 0x40000000U | static_cast<std::uint32_t>(x) << 15U | static_cast<std::uint32_t>(y);
+}
+
+// A word that sets a piece of graphics state to what it is at the start of every list, and one
+// that sets it to something else.
+struct State {
+    const char* name;
+    std::uint32_t initial;
+    std::uint32_t other;
+};
+
+constexpr State states[] = {
+    {"COLOR_RGB", 0x04FFFFFF, 0x04FFFF00},
+    {"COLOR_A", 0x100000FF, 0x10000080},
+    {"CLEAR_COLOR_RGB", 0x02000000, 0x02000040},
+    {"CLEAR_TAG", 0x12000000, 0x12000001},
+    {"TAG", 0x030000FF, 0x030000FE},
+    {"TAG_MASK", 0x14000001, 0x14000000},
+    {"POINT_SIZE", 0x0D000010, 0x0D000020},
+    {"LINE_WIDTH", 0x0E000010, 0x0E000020},
+    {"ALPHA_FUNC", 0x09000700, 0x09000000},
+    {"STENCIL_FUNC", 0x0A0700FF, 0x0A0000FF},
+    {"BLEND_FUNC", 0x0B000014, 0x0B000008},
+    {"COLOR_MASK", 0x2000000F, 0x20000007},
+    {"CELL", 0x06000000, 0x06000001},
+    {"BITMAP_HANDLE", 0x05000000, 0x05000001},
+    {"BITMAP_TRANSFORM_A", 0x15000100, 0x15000080},
+    {"BITMAP_TRANSFORM_B", 0x16000000, 0x16000100},
+    {"BITMAP_TRANSFORM_C", 0x17000000, 0x17000100},
+    {"BITMAP_TRANSFORM_D", 0x18000000, 0x18000100},
+    {"BITMAP_TRANSFORM_E", 0x19000100, 0x19000080},
+    {"BITMAP_TRANSFORM_F", 0x1A000000, 0x1A000100},
+    {"SCISSOR_XY", 0x1B000000, 0x1B01B80A},
+    {"SCISSOR_SIZE", 0x1C800800, 0x1C010010},
+    {"VERTEX_FORMAT", 0x27000004, 0x27000003},
+    {"VERTEX_TRANSLATE_X", 0x2B000000, 0x2B000010},
+    {"VERTEX_TRANSLATE_Y", 0x2C000000, 0x2C000010},
+};
+
+class GraphicsDefaults : public testing::TestWithParam<State> {
+protected:
+    GraphicsDefaults() {
+        host.bootWithPanel();
+        host.write(0, {0x10, 0x20, 0x30, 0x40, 0x50, 0x60, 0x70, 0x80, 0x90, 0xA0, 0xB0, 0xC0, 0xD0,
+                       0xE0, 0xF0, 0xFF});
+    }
+    // Something of everything: a bitmap of two cells, a dot and a line, all where they can be seen.
+    controller::Frame drawnAfter(const V& words) {
+        const V bitmap = {0x05000000, 0x01000000, 0x07000000 | 3U << 19 | 4 << 9 | 2,
+                          0x08000000 | 4 << 9 | 2};
+        const V drawing = {0x26000007,
+                           0x1F000001,
+                           vertex2f(50 * 16, 30 * 16),
+                           0x1F000002,
+                           vertex2f(20 * 16 + 5, 20 * 16),
+                           0x1F000003,
+                           vertex2f(60 * 16, 8 * 16),
+                           vertex2f(90 * 16, 14 * 16),
+                           0,
+                           cmd::swap};
+        host.send(V{cmd::dlStart} + bitmap + words + drawing);
+        host.waitFrames(2);
+        return host.chip.frame();
+    }
+
+    Host host{Generation::E3};
+};
+
+INSTANTIATE_TEST_SUITE_P(EachState, GraphicsDefaults, testing::ValuesIn(states),
+                         [](const testing::TestParamInfo<State>& state) {
+                             return std::string(state.param.name);
+                         });
+
+TEST_P(GraphicsDefaults, EveryListStartsWithIt) {
+    const controller::Frame plain = drawnAfter({});
+    const controller::Frame initial = drawnAfter({GetParam().initial});
+    EXPECT_TRUE(initial.picture == plain.picture);
+    EXPECT_TRUE(initial.tags == plain.tags);
+    const controller::Frame other = drawnAfter({GetParam().other});
+    EXPECT_TRUE(other.picture != plain.picture || other.tags != plain.tags)
+        << "the drawing does not depend on it";
+}
+
+} // namespace
