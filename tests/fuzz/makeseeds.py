@@ -141,6 +141,55 @@ def streams():
     yield "cut", bytes([E1, 3]) + zlib.compress(bytes(range(256)))[:-20]
 
 
+def images():
+    def chunk(name, content):
+        return struct.pack(">I", len(content)) + name + content + struct.pack(">I", zlib.crc32(name + content))
+
+    def png(kind, samples, *chunks, interlaced=0, depth=8):
+        head = struct.pack(">IIBBBBB", 4, 3, depth, kind, 0, 0, interlaced)
+        lines = b"".join(bytes([line % 5]) + bytes(range(line, 4 * samples + line)) for line in range(3))
+        parts = [chunk(b"IHDR", head), *chunks, chunk(b"IDAT", zlib.compress(lines)), chunk(b"IEND", b"")]
+        return b"\x89PNG\r\n\x1a\n" + b"".join(parts)
+
+    palette = chunk(b"PLTE", bytes(range(48)))
+    files = {
+        "grey": png(0, 1),
+        "rgb": png(2, 3),
+        "palette": png(3, 1, palette),
+        "palette-alpha": png(3, 1, palette, chunk(b"tRNS", bytes([0, 128]))),
+        "grey-alpha": png(4, 2),
+        "rgba": png(6, 4, chunk(b"tEXt", b"a\0b")),
+        "deep": png(0, 2, depth=16),
+        "interlaced": png(0, 1, interlaced=1),
+        "jpeg": jpeg(),
+    }
+    for name, contents in files.items():
+        for options in (0, 2, 3, 8, 18):
+            yield f"{name}-{options}", bytes([E3, options]) + contents
+        yield f"{name}-e1", bytes([E1, 2]) + contents
+
+
+def jpeg():
+    """Eight by eight, grey, with the smallest tables that there can be: one code each."""
+
+    def segment(marker, content):
+        return bytes([0xFF, marker]) + struct.pack(">H", len(content) + 2) + content
+
+    quantization = bytes([0]) + bytes([1]) * 64
+    frame = struct.pack(">BHHB", 8, 8, 8, 1) + bytes([1, 0x11, 0])
+    codes = bytes([1] + [0] * 15 + [0])
+    scan = bytes([1, 1, 0, 0, 63, 0])
+    return (
+        b"\xFF\xD8"
+        + segment(0xDB, quantization)
+        + segment(0xC0, frame)
+        + segment(0xC4, b"\x00" + codes)
+        + segment(0xC4, b"\x10" + codes)
+        + segment(0xDA, scan)
+        + b"\x3F\xFF\xD9"
+    )
+
+
 def bus_runs():
     select, deselect, release_power = b"\0", b"\1", b"\7\1"
     yield "read", bytes([E3]) + select + b"\2\6\x30\x20\0\0\0\0" + deselect + b"\3\x50"
@@ -183,6 +232,7 @@ SEEDS = {
     "coprocessor": coprocessor_streams,
     "flash": flash_streams,
     "inflate": streams,
+    "image": images,
     "script": scripts,
     "requests": requests,
     "replies": replies,

@@ -11,7 +11,7 @@ cd "$(dirname "$0")/../.."
 
 seconds=${1:-60}
 shift || true
-all=(bus displaylist coprocessor flash inflate script requests replies)
+all=(bus displaylist coprocessor flash inflate image script requests replies)
 targets=("$@")
 [ $# -gt 0 ] || targets=("${all[@]}")
 
