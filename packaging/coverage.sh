@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Builds everything so that it counts which lines run (build/coverage), runs every test, and shows
+# Builds the application so that it counts which lines run (build/coverage), runs its tests, and shows
 # what they cover: a table here, each line in build/coverage/report/index.html.
 #
 # Fails when a test does, when a line of the application is not covered without being listed, with
 # the reason, in tests/coverage/uncovered.txt, and when a listed one is.
 #
-#   coverage.sh            all of it
-#   coverage.sh --report   without building and running, from what was counted last
+#   coverage.sh               the application
+#   coverage.sh --simulator   and the virtual instrument, with every test there is: twice the time
+#   coverage.sh --report      without building and running, from what was counted last
 #
 # Ends with 0: passed; 1: not; 77: could not run.
 set -euo pipefail
@@ -23,18 +24,30 @@ build=build/coverage
 report=$build/report
 mkdir -p $report
 
+# The programs that test folders of the application; CTest knows them, and the sessions, by these names.
+programs=(assets client eve_layer flow main onmodel platform supervision widgets)
+targets=("${programs[@]/%/_test}" system_tests)
+tests_of_these="^((${programs[*]})_test|system\\..*)$"
+tests_of_these=${tests_of_these// /|}
+if [ "${1:-}" = --simulator ]; then
+    targets=(unit_tests system_tests)
+    tests_of_these=.
+fi
+
 tests=passed
 if [ "${1:-}" != --report ]; then
     cmake --preset coverage >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
-    cmake --build --preset coverage --target unit_tests system_tests
+    cmake --build --preset coverage --target "${targets[@]}"
     find $build -name '*.gcda' -delete
-    ctest --preset coverage --parallel $((4 * $(nproc))) --quiet \
+    ctest --preset coverage --tests-regex "$tests_of_these" --parallel $((4 * $(nproc))) --quiet \
         --output-log "$PWD/$build/tests.log" || tests=failed
 fi
 [ -n "$(find $build -name '*.gcda' -print -quit)" ] || could_not_run "no test has counted anything."
 
+counted='client|platform|assets|eve_layer|widgets|supervision'
+[ "${1:-}" != --simulator ] || counted+='|simulator'
 gcovr --root . $build -j "$(nproc)" --gcov-executable gcov \
-    --filter '(client|platform|assets|eve_layer|widgets|simulator)/' \
+    --filter "($counted)/" \
     --filter '(main|startup|screenflow)\.(cpp|h)' --exclude 'build/' \
     --exclude-unreachable-branches --exclude-throw-branches \
     --json $report/coverage.json --html-details $report/index.html >$build/gcovr.log 2>&1 ||

@@ -12,8 +12,8 @@ import json
 import pathlib
 import sys
 
-APPLICATION = ["client", "platform", "eve_layer", "widgets", "top"]
-FOLDERS = ["client", "platform", "assets", "eve_layer", "widgets", "top"]
+APPLICATION = ["client", "platform", "eve_layer", "widgets", "supervision", "top"]
+FOLDERS = ["client", "platform", "assets", "eve_layer", "widgets", "supervision", "top"]
 INFORMATION = ["controller", "board", "server", "panel"]
 # Run while building, not a part of the application.
 EXCLUDED = {"assets/makestreams.cpp"}
@@ -32,7 +32,8 @@ def percent(part, whole):
 
 def print_table(totals):
     print(f"{'folder':24} {'lines':>7} {'covered':>9} {'branches':>9} {'covered':>9}")
-    for name in FOLDERS + ["simulator/" + name for name in INFORMATION]:
+    simulator = ["simulator/" + name for name in INFORMATION]
+    for name in FOLDERS + [name for name in simulator if name in totals]:
         lines, covered, branches, taken = totals[name]
         print(
             f"{name:24} {lines:7} {percent(covered, lines):>9} {branches:9} {percent(taken, branches):>9}"

@@ -62,8 +62,8 @@ finish_one() {
     wait -n || bad=$((bad + 1))
     running=$((running - 1))
 }
-# Two on a core: time is what there is little of, and the machine is not asked for anything else.
-at_a_time=$((2 * $(nproc)))
+# Five on two cores: time is what there is little of, and the machine is not asked for anything else.
+at_a_time=$((5 * $(nproc) / 2))
 for target in "${targets[@]}"; do
     [ "$running" -lt "$at_a_time" ] || finish_one
     run "$target" &
