@@ -81,10 +81,6 @@ build_arm64() {
         packaging/fetch-preload.sh arm64 build/arm64/bin
 }
 
-boot_arm64() {
-    tests/board/build-panelsim.sh arm64 && tests/board/boot.sh arm64 startup counter-run tour
-}
-
 board() {
     stage "Build, ARM" build_arm64
     stage "Unit tests, ARM" --needs "Build, ARM" \
@@ -94,8 +90,6 @@ board() {
         --output-junit "$PWD/build/test-logs/system-arm64.xml"
     stage "Emulated board" --needs "Build, as shipped" --ctest build/board/amd64/results.xml \
         tests/board/boot.sh amd64 startup counter-run tour
-    stage "Emulated board, ARM" --needs "Build, ARM" --ctest build/board/arm64/results.xml \
-        boot_arm64
 }
 
 coverage_alone() {

@@ -9,15 +9,23 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 architecture=$1
 
-# Installed, it would bring the whole C library for ARCH, and renew this machine's headers.
-if ! package=$(packaging/fetch-package.sh "zlib1g-dev:$architecture"); then
-    echo "$package"
-    exit 77
-fi
-zlib=$PWD/build/board/$architecture/zlib
-mkdir -p "$zlib"
-dpkg-deb --extract "$package" "$zlib"
+# Installed, these would bring the whole C library for ARCH, and renew this machine's headers. The
+# libraries themselves are here with Qt's.
+headers=$PWD/build/board/$architecture/headers
+mkdir -p "$headers"
+for name in zlib1g-dev libpng-dev libjpeg62-turbo-dev; do
+    if ! package=$(packaging/fetch-package.sh "$name:$architecture"); then
+        echo "$package"
+        exit 77
+    fi
+    dpkg-deb --extract "$package" "$headers"
+done
+tuple=$(basename "$headers"/usr/include/*-linux-gnu*)
+libraries=/usr/lib/$tuple
 
-cmake --preset "$architecture-simulator" -DZLIB_ROOT="$zlib/usr" \
-    -DCMAKE_CXX_FLAGS="-isystem $(echo "$zlib"/usr/include/*-linux-gnu*)"
+cmake --preset "$architecture-simulator" \
+    -DCMAKE_CXX_FLAGS="-isystem $headers/usr/include/$tuple -isystem $headers/usr/include" \
+    -DZLIB_INCLUDE_DIR="$headers/usr/include" -DZLIB_LIBRARY="/lib/$tuple/libz.so.1" \
+    -DPNG_PNG_INCLUDE_DIR="$headers/usr/include" -DPNG_LIBRARY="$libraries/libpng16.so.16" \
+    -DJPEG_INCLUDE_DIR="$headers/usr/include" -DJPEG_LIBRARY="$libraries/libjpeg.so.62"
 cmake --build --preset "$architecture-simulator"
