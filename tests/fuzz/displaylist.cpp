@@ -11,7 +11,7 @@ constexpr int width = 48;
 constexpr int height = 32;
 constexpr std::size_t longestList = 300; // words
 // Loops would take most of the time, and show nothing new.
-constexpr std::int64_t mostWork = 1'000'000;
+constexpr std::int64_t mostWork = 200'000;
 
 // Something to be seen in bitmaps.
 std::unique_ptr<controller::Scanner> filledScanner(controller::Generation generation) {

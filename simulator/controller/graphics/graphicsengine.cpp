@@ -181,14 +181,16 @@ const Frame& GraphicsEngine::State::draw(const Scene& scene) {
     memory.noteReads(m_reads);
     Drawing drawing(m_generation, scene, memory, m_handles, m_canvas, m_loops, Work(m_workLimit),
                     m_frame);
+    std::int64_t workBefore = 0;
     if (canGoOn(scene)) {
         m_place.follow(common);
         goOn(drawing);
+        workBefore = drawing.pipeline.work().done();
     } else {
         m_place.start(common);
         startAnew(scene);
+        drawing.pipeline.work().add(cost::panelPixel * scene.width * scene.height);
     }
-    const std::int64_t workBefore = drawing.pipeline.work().done();
     drawing.walker.walkTo(m_place.place());
     keep(drawing, handlesBefore);
     drawing.finish();

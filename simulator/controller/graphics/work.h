@@ -11,7 +11,7 @@ class Work {
 public:
     // What a frame may cost. The chip has some 13 ms and draws a pixel and more a clock; a viewer
     // must not hang on it for more than a tenth of a second.
-    static constexpr std::int64_t limit = 60'000'000;
+    static constexpr std::int64_t limit = 50'000'000;
 
     explicit Work(std::int64_t most = limit) : m_most(most) {}
 
@@ -26,9 +26,10 @@ private:
 
 namespace cost {
 
+constexpr std::int64_t panelPixel = 8;    // of a frame, before anything is drawn: memory to be had
 constexpr std::int64_t word = 10;         // to walk over, whatever it says
 constexpr std::int64_t vertex = 100;      // with the primitive that it makes, before its first line
-constexpr std::int64_t palette = 2000;    // to read
+constexpr std::int64_t palette = 4000;    // to read
 constexpr std::int64_t sampleLine = 60;   // of a shape with smooth edges
 constexpr std::int64_t edgePixel = 60;    // of the columns that an edge strip reaches in part
 constexpr std::int64_t row = 100;         // of pixels, before the first of them
