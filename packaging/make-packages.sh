@@ -30,6 +30,7 @@ if [ "$architecture" != "$here" ]; then
 fi
 
 version=$(sed -n 's/^project(frontpanel VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
+commit=$(git rev-parse HEAD)
 SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
 export SOURCE_DATE_EPOCH
 if [ -n "$(git status --porcelain)" ]; then
@@ -46,7 +47,7 @@ maintainer=$(sed -n 's/^Maintainer: //p' debian/control)
 cat >debian/changelog <<END
 frontpanel ($version) unstable; urgency=medium
 
-  * Built from commit $(git rev-parse HEAD).
+  * Built from commit $commit.
 
  -- $maintainer  $(date --utc --rfc-email --date="@$SOURCE_DATE_EPOCH")
 END
