@@ -90,6 +90,8 @@ board() {
         --output-junit "$PWD/build/test-logs/system-arm64.xml"
     stage "Emulated board" --needs "Build, as shipped" --ctest build/board/amd64/results.xml \
         tests/board/boot.sh amd64 startup counter-run tour
+    stage "Service on a board" --needs "Packages" --results build/board/service/results \
+        tests/board/service.sh
 }
 
 coverage_alone() {

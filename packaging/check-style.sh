@@ -8,7 +8,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 mapfile -t scripts < <(
-    git ls-files '*.sh' '.ci/run' 'packaging/board/prepare-board' 'tests/board/init'
+    git ls-files '*.sh' '.ci/run' 'packaging/board/prepare-board' 'tests/board/init' \
+        'tests/board/service/checks' 'tests/board/service/display' 'tests/board/service/init'
 )
 if [ "${1:-}" = --scripts ]; then
     printf '%s\n' "${scripts[@]}"
