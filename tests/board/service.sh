@@ -16,7 +16,7 @@ cd "$(dirname "$0")/../.."
 could_not_run() { echo "No emulated board: $*"; exit 77; }
 
 # An emulated board that takes longer than this stands still.
-longest=1200
+longest=2400
 architecture=amd64
 
 [ "$(dpkg --print-architecture)" = "$architecture" ] || could_not_run "this machine is no $architecture."
@@ -32,11 +32,17 @@ done
 place=build/board/service
 rm -rf "$place"
 payload=$place/root/payload
-mkdir -p "$payload" "$place/root/etc/systemd/system" "$place/results"
+mkdir -p "$payload/newer" "$place/root/etc/systemd/system" "$place/results"
 cp tests/board/service/{checks,display,*.session} "$payload"
 cp tests/board/service/init "$place/root/init"
 cp "${packages[@]}" "build/board/$architecture/kernel/panelboard.ko" "$payload"
 cp -r tests/system/pictures "$payload/pictures"
+
+# A newer version of the package, with the same in it.
+package=$(ls "$payload"/frontpanel_*.deb)
+dpkg-deb --raw-extract "$package" "$place/newer"
+sed -i 's/^Version: .*/&+newer/' "$place/newer/DEBIAN/control"
+dpkg-deb --root-owner-group --build "$place/newer" "$payload/newer" >/dev/null
 
 units=$place/root/etc/systemd/system
 for unit in tests/board/service/units/*.service; do
