@@ -113,7 +113,7 @@ public:
           m_height(canvas.height) {}
 
     void write(const Gradient& gradient);
-    void writeWithAlpha(const Gradient& gradient);
+    void writeWithAlpha(const Gradient& given);
 
 private:
     // A ramp on this canvas: how far it reaches.
