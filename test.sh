@@ -35,16 +35,13 @@ system_jobs=$((cores * 8))
 fuzz_seconds=60
 soak_time=2m
 
-# Files of a package are older than its installation, so that nobody would make a precompiled header
-# anew for them: but clang refuses one whose parts have changed.
-drop_outdated_headers() { # preset
-    [ ! -d "build/$1" ] ||
-        find "build/$1" \( -name '*.pch' -o -name '*.gch' \) ! -newer /var/lib/dpkg/status -delete
+build() { # preset target
+    packaging/drop-outdated-headers.sh "$1"
+    cmake --preset "$1" && cmake --build --preset "$1" --target "$2"
 }
 
-build() { # preset target
-    drop_outdated_headers "$1"
-    cmake --preset "$1" && cmake --build --preset "$1" --target "$2"
+preparation() {
+    stage "Packages for boards" install_for_boards
 }
 
 everyday() {
@@ -63,35 +60,42 @@ slow() {
     stage "Soak" --beside --needs "Build, all of it" tests/soak/run.sh "$soak_time"
     stage "Unit tests, release" --needs "Build, all of it" \
         --results build/release/test-results ctest --preset release-unit --parallel "$unit_jobs"
+    stage "Packages" --needs "Packages for boards" tests/packages/check.sh
+    stage "Service on a board" --beside --needs "Packages" --results build/board/service/results \
+        tests/board/service.sh
     stage "Static analysis" packaging/check-analysis.sh --all
     stage "Coverage" packaging/coverage.sh
     stage "Fuzzing" tests/fuzz/run.sh "$fuzz_seconds"
-    stage "Packages" tests/packages/check.sh
+}
+
+# Before anything is built: what is installed may renew headers that others have been made from.
+install_for_boards() {
+    local list
+    for list in --debian "--board arm64" "--emulation arm64"; do
+        # shellcheck disable=SC2086 # an option and its argument
+        packaging/install-build-packages.sh $list || {
+            echo "The packages for boards (install-build-packages.sh $list) could not be installed."
+            return 77
+        }
+    done
 }
 
 # The program for a 64-bit ARM board.
 build_arm64() {
-    if ! packaging/install-build-packages.sh --board arm64 ||
-        ! packaging/install-build-packages.sh --emulation arm64; then
-        echo "The packages for an arm64 board could not be installed."
-        return 77
-    fi
     build arm64-tests unit_tests &&
         tests/structure/check-libraries.sh build/arm64/bin/frontpanel &&
         packaging/fetch-preload.sh arm64 build/arm64/bin
 }
 
 board() {
-    stage "Build, ARM" build_arm64
+    stage "Build, ARM" --needs "Packages for boards" build_arm64
     stage "Unit tests, ARM" --needs "Build, ARM" \
         --results build/arm64/test-results ctest --preset arm64-unit --parallel "$unit_jobs"
     stage "System tests, ARM" --needs "Build, ARM" \
         --ctest build/test-logs/system-arm64.xml ctest --preset arm64-system --parallel 2 \
         --output-junit "$PWD/build/test-logs/system-arm64.xml"
-    stage "Emulated board" --needs "Build, as shipped" --ctest build/board/amd64/results.xml \
+    stage "Emulated board" --needs "Packages for boards" --ctest build/board/amd64/results.xml \
         tests/board/boot.sh amd64 startup counter-run tour
-    stage "Service on a board" --needs "Packages" --results build/board/service/results \
-        tests/board/service.sh
 }
 
 coverage_alone() {
@@ -100,6 +104,6 @@ coverage_alone() {
 
 case "$which" in
     everyday) plan everyday ;;
-    all) plan everyday slow board ;;
+    all) plan preparation everyday slow board ;;
     coverage) plan coverage_alone ;;
 esac

@@ -22,6 +22,7 @@ log=build/clang-tidy/prepare.log
 mkdir -p build/clang-tidy
 prepare() {
     [ -f build/release/compile_commands.json ] || cmake --preset release
+    packaging/drop-outdated-headers.sh debug
     cmake --preset debug
     cmake --build --preset debug --target precompiled_headers
 }
