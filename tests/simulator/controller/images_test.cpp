@@ -215,10 +215,10 @@ TEST_F(Images, TheMediaFifoIsARingInMemory) {
     const Bytes file = pngFile({1, 1, png::grey, {7}});
     host.send({cmd::loadImage, 1000, noList | mediaFifo, cmd::memSet, 2000, 1, 1});
     std::uint32_t at = 0;
-    for (std::size_t i = 0; i < file.size(); ++i) {
+    for (const std::uint8_t byte : file) {
         EXPECT_EQ(host.read8(1000), 0) << "waits for the rest";
         EXPECT_EQ(host.read8(2000), 0);
-        host.write8(0x8000 + at, file[i]);
+        host.write8(0x8000 + at, byte);
         at = (at + 1) % 64;
         host.write32(fifoWrite, at);
         EXPECT_EQ(host.read32(fifoRead), at) << "what is there is taken";
