@@ -37,6 +37,9 @@ if [ -n "$(git status --porcelain)" ]; then
     echo "make-packages.sh: the packages are those of the last commit, without what has changed since"
 fi
 
+# A cache may give back what was built elsewhere.
+export CCACHE_DISABLE=1
+
 folder=${folder:-build/debian/$architecture}
 rm -rf "$folder"
 mkdir -p "$folder/frontpanel-$version"
