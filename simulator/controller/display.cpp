@@ -25,7 +25,8 @@ void Display::reset() {
     m_engine.reset();
     m_list.fill(0);
     m_walked = false;
-    m_reported.clear();
+    m_walkComplaints.clear();
+    m_drawComplaints.clear();
 }
 
 void Display::show(const DisplayList& list) {
@@ -46,7 +47,7 @@ Scene Display::scene(int width, int height) const {
 
 void Display::scanned() {
     if (!m_walked) {
-        report(m_engine.walk(scene(0, 0)));
+        report(m_engine.walk(scene(0, 0)), m_walkComplaints);
     }
 }
 
@@ -81,9 +82,7 @@ const Frame& Display::picture() {
         std::swap(width, height);
     }
     const Frame& frame = m_engine.draw(scene(std::max(width, 0), std::max(height, 0)));
-    if (!m_walked) {
-        report(frame.complaints);
-    }
+    report(frame.complaints, m_drawComplaints);
     return frame;
 }
 
@@ -96,15 +95,19 @@ std::uint8_t Display::tagAt(int x, int y) {
                       static_cast<std::size_t>(x)];
 }
 
-// Says what is new since the list before.
-void Display::report(const std::vector<std::string>& complaints) {
+// Says what is new since the walk and the drawing before, one of which `before` is: drawing finds
+// more than a walk, because it may be too much.
+void Display::report(const std::vector<std::string>& complaints, std::vector<std::string>& before) {
     m_walked = true;
+    const auto has = [](const std::vector<std::string>& texts, const std::string& text) {
+        return std::find(texts.begin(), texts.end(), text) != texts.end();
+    };
     for (const std::string& complaint : complaints) {
-        if (std::find(m_reported.begin(), m_reported.end(), complaint) == m_reported.end()) {
+        if (!has(m_walkComplaints, complaint) && !has(m_drawComplaints, complaint)) {
             m_complain(complaint);
         }
     }
-    m_reported = complaints;
+    before = complaints;
 }
 
 } // namespace controller

@@ -43,7 +43,7 @@ public:
 private:
     Turn turn() const;
     Scene scene(int width, int height) const;
-    void report(const std::vector<std::string>& complaints);
+    void report(const std::vector<std::string>& complaints, std::vector<std::string>& before);
 
     Generation m_generation;
     const MemoryMap& m_memory;
@@ -52,9 +52,11 @@ private:
     GraphicsEngine m_engine;
 
     DisplayList m_list{};
+    bool m_walked = false; // by the engine, whether it drew or not
     Frame m_turned;
-    bool m_walked = false;               // by the engine, whether it drew or not
-    std::vector<std::string> m_reported; // complaints about the list before
+    // Of the last list that was walked, and of the last that was drawn
+    std::vector<std::string> m_walkComplaints;
+    std::vector<std::string> m_drawComplaints;
 };
 
 } // namespace controller

@@ -78,6 +78,24 @@ TEST_F(DisplayTest, ABadWordIsComplainedAboutOnceThoughNobodyLooks) {
     EXPECT_EQ(host.seen.complaints.size(), 1U) << "the same as before";
 }
 
+TEST_F(DisplayTest, AListThatIsTooMuchOnlyWhenDrawnIsComplainedAboutOnceWhenItIs) {
+    // Rectangles over the panel one over the other, each pixel tested.
+    V list{0x26000007, 0x09000000U | 5U << 8U | 3U, 0x1F000009};
+    for (int i = 0; i < 400; ++i) {
+        list.push_back(point(0, 0));
+        list.push_back(point(479, 271));
+    }
+    show(list);
+    EXPECT_TRUE(host.seen.complaints.empty()) << "nobody has looked";
+    host.chip.frame();
+    const std::string complaint = "display list: more to draw than a frame has time for";
+    EXPECT_THAT(host.seen.complaints, testing::ElementsAre(complaint));
+    list[0] = 0x26000004;
+    show(list);
+    host.chip.frame();
+    EXPECT_THAT(host.seen.complaints, testing::ElementsAre(complaint)) << "the same as before";
+}
+
 TEST_F(DisplayTest, AComplaintSaysOnceWhereItComesFrom) {
     show({0xC0000001});
     EXPECT_THAT(host.seen.complaints,
