@@ -12,7 +12,7 @@ could_not_run() { echo "No Debian for an emulated board: $*"; exit 77; }
 packages=systemd-sysv,udev,dbus,iproute2,kmod,procps
 packages=$packages,libqt5core5a,libqt5network5,libqt5gui5,libqt5widgets5,umockdev,zlib1g
 # What nobody reads or draws with there.
-left_out='/usr/share/doc/* /usr/share/locale/* /usr/share/man/* /usr/lib/*/dri/* /usr/lib/*/libLLVM*'
+left_out=('/usr/share/doc/*' '/usr/share/locale/*' '/usr/share/man/*' '/usr/lib/*/dri/*' '/usr/lib/*/libLLVM*')
 
 for program in mmdebstrap cpio fakeroot; do
     command -v "$program" >/dev/null ||
@@ -27,15 +27,15 @@ fi
 rm -rf "$directory"
 mkdir -p "$directory"
 options=()
-for path in $left_out; do
+for path in "${left_out[@]}"; do
     options+=("--dpkgopt=path-exclude=$path")
 done
 # shellcheck disable=SC2016 # for mmdebstrap's shell
-if ! mmdebstrap --quiet --variant=apt --include="$packages" "${options[@]}" \
+if ! mmdebstrap --variant=apt --include="$packages" "${options[@]}" \
     --aptopt='Apt::Install-Recommends "false"' \
     --customize-hook='rm -r "$1"/etc/dpkg/dpkg.cfg.d/99mmdebstrap "$1"/var/lib/apt/lists/*' \
     bookworm "$directory/root.tar" >"$directory/log" 2>&1; then
-    could_not_run "mmdebstrap: $(tail -n 1 "$directory/log")"
+    could_not_run "mmdebstrap: $(grep '^E: ' "$directory/log" | head -n 1)"
 fi
 mkdir "$directory/root"
 # shellcheck disable=SC2016 # for the inner shell
