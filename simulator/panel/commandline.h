@@ -1,38 +1,13 @@
 #pragma once
 
-#include "generation.h"
-#include "virtualboard.h"
+#include "settings.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <chrono>
-#include <cstdint>
-
 namespace panel {
 
 // What the command line asks for.
-struct Settings {
-    controller::Generation generation = controller::Generation::E3;
-    board::Options board;
-    QString boardDevice; // of the kernel's board; empty: umockdev shows one
-    QString application; // path of the program
-    bool startApplication = true;
-    bool quietApplication = false; // what it writes is not passed on, nor how to start it by hand
-    bool startServer = true;
-    bool serverAnswersEverything = false;
-    std::uint32_t seed = 1; // of the server's pulses
-    bool headless = false;
-    int zoom = 2;   // window pixels per panel pixel
-    QString script; // empty: none
-    std::chrono::milliseconds timeLimit{300000};
-    QString screenshots = QStringLiteral("."); // directory
-    QString stored;                            // directory of stored pictures; empty: none
-    bool renew = false;
-    QString trace; // file; empty: none
-    bool statistics = false;
-};
-
 struct CommandLine {
     Settings settings;
     QString error; // what is wrong and how to mend it; empty: nothing

@@ -6,9 +6,10 @@ set -euo pipefail
 shopt -s nullglob
 cd "$1"
 
-# The parts of the controller model, and of its coprocessor.
+# The parts of the controller model, of its coprocessor, and of panelsim.
 c=simulator/controller
 p=$c/coprocessor
+s=simulator/panel
 
 # Folder, and the folders whose headers it may include besides its own ("Qt" for Qt's).
 rules="
@@ -42,10 +43,16 @@ $c                      $c/base $c/memory $c/clock $c/touch $c/flash $c/rom $c/t
 simulator/board         simulator/board/module
 simulator/board/module
 simulator/server        Qt
-simulator/panel         Qt $c $c/base $c/words $c/memory $c/text simulator/board simulator/server
+$s/base                 Qt
+$s/module               Qt $c $c/base $c/memory simulator/board $s/base
+$s/trace                Qt $c $c/base $c/words $c/memory $c/text $s/module
+$s/rig                  Qt $c $c/base simulator/board simulator/server $s/base $s/module $s/trace
+$s/session              Qt $c $c/base $c/memory simulator/server $s/base $s/module $s/rig
+$s/window               Qt $c $c/base $s/base $s/module $s/rig
+$s                      Qt $s/base $s/rig $s/session $s/window
 "
 
-# More sources than this in one folder of the controller model are more than one part.
+# More sources than this in one folder of the virtual instrument are more than one part.
 most_sources=30
 
 # Header name -> the folders that have one of that name.
@@ -93,13 +100,13 @@ check_folder() { # folder allowed
         [[ ${allowed_in[$other]:-} != *" $folder "* ]] || report "$folder and $other need each other"
     done
     sources=$(find "$folder" -maxdepth 1 -name '*.cpp' -o -maxdepth 1 -name '*.h' | wc -l)
-    if [[ $folder == "$c"* ]] && [ "$sources" -gt "$most_sources" ]; then
+    if [[ $folder == simulator/* ]] && [ "$sources" -gt "$most_sources" ]; then
         report "$folder has $sources sources, more than $most_sources"
     fi
 }
 
-# A part of the model that no rule is about could include anything.
-for folder in "$c"/*/ "$p"/*/; do
+# A part that no rule is about could include anything.
+for folder in "$c"/*/ "$p"/*/ "$s"/*/; do
     folder=${folder%/}
     [ -n "${allowed_in[$folder]+known}" ] || report "$folder has no rule"
 done

@@ -3,7 +3,6 @@
 #include "application.h"
 #include "board.h"
 #include "bustrace.h"
-#include "commandline.h"
 #include "complaints.h"
 #include "displaymodule.h"
 #include "exitstatus.h"
@@ -11,6 +10,7 @@
 #include "pictures.h"
 #include "requestlog.h"
 #include "serverthread.h"
+#include "settings.h"
 
 #include <QObject>
 #include <QTimer>
