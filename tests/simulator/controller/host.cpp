@@ -69,6 +69,7 @@ void Host::write(std::uint32_t address, const std::vector<std::uint8_t>& data) {
     std::vector<std::uint8_t> sent = {static_cast<std::uint8_t>(0x80U | (address >> 16U & 0x3FU)),
                                       static_cast<std::uint8_t>(address >> 8U),
                                       static_cast<std::uint8_t>(address)};
+    sent.reserve(sent.size() + data.size());
     sent.insert(sent.end(), data.begin(), data.end());
     bytes(sent);
 }
