@@ -1,27 +1,33 @@
 #!/usr/bin/env bash
 # Builds the Debian packages of the commit that is checked out.
 #
-#   make-packages.sh [--to FOLDER]         for this machine: frontpanel and frontpanel-simulator
-#   make-packages.sh [--to FOLDER] ARCH    for a board (arm64, armhf): frontpanel
+#   make-packages.sh [OPTION...]         for this machine: frontpanel and frontpanel-simulator
+#   make-packages.sh [OPTION...] ARCH    for a board (arm64, armhf): frontpanel
 #
-# Installs what is missing for that. The packages are in the folder, build/debian/ARCH, afterwards;
-# lintian finds nothing about them. The version is that of CMakeLists.txt. The same commit gives the
-# same bytes, whenever and wherever it is built.
+#   --to FOLDER           where the packages are afterwards, instead of build/debian/ARCH
+#   --without-simulator   frontpanel only, also for this machine
+#
+# Installs what is missing for that. Lintian finds nothing about the packages. The version is that of
+# CMakeLists.txt. The same commit gives the same bytes, whenever and wherever it is built.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 here=$(dpkg --print-architecture)
 folder=
-if [ "${1:-}" = --to ]; then
-    folder=${2:?"make-packages.sh: --to takes a folder"}
-    shift 2
-fi
+profiles=nocheck
+while [[ ${1:-} == --* ]]; do
+    case "$1" in
+        --to) folder=${2:?"make-packages.sh: --to takes a folder"} && shift ;;
+        --without-simulator) profiles="$profiles pkg.frontpanel.nosimulator" ;;
+        *) break ;;
+    esac
+    shift
+done
 architecture=${1:-$here}
 if [ "$#" -gt 1 ] || [[ ! $architecture =~ ^[a-z0-9]+$ ]]; then
-    sed -n '2,9s/^# \{0,1\}//p' "$0" >&2
+    sed -n '2,11s/^# \{0,1\}//p' "$0" >&2
     exit 2
 fi
-profiles=nocheck
 packaging/install-build-packages.sh
 packaging/install-build-packages.sh --debian
 if [ "$architecture" != "$here" ]; then
