@@ -3,9 +3,10 @@
 
     analyse.py BUILD[,BUILD...] STAMPS [--all | FILE...]
 
-A source is analysed as the first BUILD that has it compiles it, with that tree's precompiled headers.
-One that was found clean gets a stamp below STAMPS: how it was compiled and checked, and what was in
-every file that it includes. It is not analysed again as long as all of that stays.
+A source is analysed as the first BUILD that has it compiles it, with that tree's precompiled headers
+if they are clang's. One that was found clean gets a stamp below STAMPS: how it was compiled and
+checked, and what was in every file that it includes. It is not analysed again as long as all of that
+stays.
 """
 
 import concurrent.futures
@@ -22,6 +23,8 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 GENERATED = {"simulator/controller/rom/romfontdata.cpp"}
 FINDING = re.compile(r"^(?P<file>/[^:]+):(?P<place>\d+:\d+): (warning|error): (?P<text>.*)$")
 PRECOMPILED = re.compile(r"(?<= )/\S+\.pch(?= |$)")
+# How g++ is told to use its own, which clang cannot read.
+FOREIGN_PRECOMPILED = re.compile(r" -include \S+/cmake_pch\.hxx(?= )")
 INCLUDED = re.compile(r"^\.+ (?P<file>/.*|\S.*)$")
 MISSING = re.compile(r"'(?P<name>[^']+)' file not found")
 
@@ -58,8 +61,17 @@ def sources(builds):
         for entry in commands:
             path = os.path.relpath(os.path.join(entry["directory"], entry["file"]), ROOT)
             if not path.startswith(("..", "build" + os.sep)) and path not in GENERATED:
-                found.setdefault(path, entry | {"build": build})
+                command = FOREIGN_PRECOMPILED.sub("", entry["command"])
+                found.setdefault(path, entry | {"command": command})
     return dict(sorted(found.items()))
+
+
+def write_json(path, what):
+    """At once or not at all: another analysis may be reading."""
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path + ".new", "w", encoding="utf-8") as file:
+        json.dump(what, file)
+    os.replace(path + ".new", path)
 
 
 def configuration_files(path):
@@ -105,7 +117,7 @@ class Analysis:
         full = os.path.join(ROOT, path)
         began = time.time()
         process = subprocess.run(
-            ["clang-tidy", "-quiet", "-p", entry["build"], "--extra-arg=-H", full],
+            ["clang-tidy", "-quiet", "-p", self._stamps, "--extra-arg=-H", full],
             capture_output=True,
             text=True,
             errors="replace",
@@ -133,11 +145,7 @@ class Analysis:
             return
         now = Fingerprints()
         stamp = {"key": self._key(path, entry), "files": {f: now.of(f) for f in sorted(files)}}
-        name = self._stamp(path)
-        os.makedirs(os.path.dirname(name), exist_ok=True)
-        with open(name + ".new", "w", encoding="utf-8") as file:
-            json.dump(stamp, file)
-        os.replace(name + ".new", name)
+        write_json(self._stamp(path), stamp)
 
 
 def progress(text):
@@ -165,7 +173,9 @@ def analyse_all(analysis, chosen):
 def main():
     trees, stamps, *arguments = sys.argv[1:]
     known = sources([os.path.abspath(build) for build in trees.split(",")])
-    analysis = Analysis(os.path.abspath(stamps))
+    stamps = os.path.abspath(stamps)
+    write_json(os.path.join(stamps, "compile_commands.json"), list(known.values()))
+    analysis = Analysis(stamps)
     if arguments == ["--all"]:
         chosen = known
     elif arguments:
