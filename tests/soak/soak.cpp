@@ -1,6 +1,6 @@
 #include "soak.h"
 
-#include "framesequence.h"
+#include "framecommands.h"
 #include "pictures.h"
 
 #include <QCoreApplication>
@@ -100,7 +100,7 @@ bool Soak::startInstrument() {
     }
     const auto isShown = [this] {
         return m_rig->module().locked([](const controller::Controller& controller) {
-            return panel::showsText(controller, QStringLiteral("COUNTER MODE"));
+            return panel::script::showsText(controller, QStringLiteral("COUNTER MODE"));
         });
     };
     const bool shown = waitUntil(isShown, startLimit);

@@ -47,9 +47,10 @@ $s/base                 Qt
 $s/module               Qt $c $c/base $c/memory simulator/board $s/base
 $s/trace                Qt $c $c/base $c/words $c/memory $c/text $s/module
 $s/rig                  Qt $c $c/base simulator/board simulator/server $s/base $s/module $s/trace
-$s/session              Qt $c $c/base $c/memory simulator/server $s/base $s/module $s/rig
+$s/session/commands     Qt $c $c/base $c/memory simulator/board simulator/server $s/base $s/module $s/rig
+$s/session              Qt $c $c/base simulator/server $s/base $s/module $s/rig $s/session/commands
 $s/window               Qt $c $c/base $s/base $s/module $s/rig
-$s                      Qt $s/base $s/rig $s/session $s/window
+$s                      Qt $s/base $s/rig $s/session $s/session/commands $s/window
 "
 
 # More sources than this in one folder of the virtual instrument are more than one part.
@@ -106,7 +107,7 @@ check_folder() { # folder allowed
 }
 
 # A part that no rule is about could include anything.
-for folder in "$c"/*/ "$p"/*/ "$s"/*/; do
+for folder in "$c"/*/ "$p"/*/ "$s"/*/ "$s"/session/*/; do
     folder=${folder%/}
     [ -n "${allowed_in[$folder]+known}" ] || report "$folder has no rule"
 done

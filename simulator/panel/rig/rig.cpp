@@ -108,6 +108,12 @@ void Rig::announceEnvironment() const {
     std::fflush(stdout);
 }
 
+void Rig::mark() {
+    m_requests.mark();
+    m_log.mark();
+    m_markedKilobytes = m_application->residentKilobytes();
+}
+
 QString Rig::statistics() const {
     const board::Traffic traffic = m_board->traffic();
     const DisplayModule::Counts counts = m_module.counts();

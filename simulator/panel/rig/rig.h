@@ -46,6 +46,10 @@ public:
     RequestLog& requests() { return m_requests; }
     LineLog& log() { return m_log; } // what the application has written
 
+    // Requests, log and memory count from here.
+    void mark();
+    int markedKilobytes() const { return m_markedKilobytes; } // the application's, at the mark
+
     const PictureStore& pictures() const { return m_pictures; }
 
     // "name: value" lines: what crossed the bus, frames, requests, the application's memory.
@@ -71,6 +75,7 @@ private:
     RequestLog m_requests;
     LineLog m_log;
     PictureStore m_pictures;
+    int m_markedKilobytes = 0;
     QTimer m_timer;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "framesequence.h"
+#include "heldtouch.h"
 #include "rig.h"
 #include "script.h"
 
@@ -8,14 +9,16 @@
 #include <QObject>
 #include <QTimer>
 
-#include <optional>
-
 namespace panel {
+
+namespace script {
+struct WaitExit;
+}
 
 // Plays a script on a rig, statement by statement.
 //
 // The first failure ends it, except for pictures that differ: these are all taken first.
-class Session : public QObject {
+class Session : public QObject, private script::Stage {
     Q_OBJECT
 
 public:
@@ -33,51 +36,44 @@ signals:
     void ended(panel::ExitStatus status, const QString& message);
 
 private:
-    enum class Progress { Done, Waiting };
-    class Player; // carries out one action; see session.cpp
+    // script::Stage
+    Rig& rig() override { return m_rig; }
+    HeldTouch& finger() override { return m_finger; }
+    bool isFirstCall() const override { return m_firstCall; }
+    std::chrono::milliseconds elapsed() const override {
+        return std::chrono::milliseconds(m_sinceEntry.elapsed());
+    }
+    void fail(const QString& why, ExitStatus status = ExitStatus::NotMet) override;
+    void keepPicture(const QString& name, const QImage& image) override;
+    void endScript() override;
+    void playFrames() override;
 
     const script::Statement& current() const { return m_statements[m_current]; }
     bool isOver() const { return m_over; }
     void play();
+    void enterStatement();
     void leaveStatement();
     void checkLimit();
     void end(ExitStatus status, const QString& message);
-    void failStatement(ExitStatus status, const QString& why);
-    void endOfScript();
-
-    // Frame statements
-    void startFrames();
     void frameStepEnded(const FrameSequence::Event& event);
-    void keepPicture(const QString& name, const QImage& image);
-
-    // The finger
-    void startNotice();
-    bool noticed();
-    bool tagRead();
-
-    // The application
     void applicationEnded();
     const script::WaitExit* exitAhead() const;
 
     const std::vector<script::Statement> m_statements;
     QString m_name = QStringLiteral("script");
     Rig& m_rig;
+    HeldTouch m_finger;
     FrameSequence m_frames;
     std::size_t m_current = 0;
     std::size_t m_firstFrameStatement = 0; // of the sequence that is being played
+    std::size_t m_framesEnd = 0;           // the statement after it
     bool m_entered = false;                // whether the current statement has begun
+    bool m_firstCall = false;
     bool m_started = false;
     bool m_over = false;
     QElapsedTimer m_sinceEntry;
     QTimer m_timeLimit;
     QString m_pictureFailure; // the first
-
-    // What the current Finger statement waits for.
-    std::uint32_t m_framesAtTouch = 0;
-    std::optional<std::uint32_t> m_readsFrom;
-    bool m_tapReleased = false;
-
-    int m_markedKilobytes = 0;
 };
 
 } // namespace panel

@@ -1,3 +1,4 @@
+#include "framecommands.h"
 #include "framesequence.h"
 #include "host.h"
 #include "pictures.h"
@@ -21,6 +22,34 @@ Words listSaying(const char* text, const Words& more = {}) {
            controllertest::words(text) + more + Words{display, cmd::swap};
 }
 
+template<typename Kind, typename... Arguments>
+script::FrameStepPtr step(Arguments... arguments) {
+    return std::make_shared<const Kind>(std::move(arguments)...);
+}
+
+// Keeps pictures; nothing else is to be asked of it.
+class PictureStage : public script::Stage {
+public:
+    Rig& rig() override { throw std::logic_error("there is no rig"); }
+    HeldTouch& finger() override { throw std::logic_error("there is no finger"); }
+    bool isFirstCall() const override { return true; }
+    std::chrono::milliseconds elapsed() const override { return {}; }
+    void fail(const QString& why, ExitStatus /*status*/) override {
+        throw std::logic_error(why.toStdString());
+    }
+    void keepPicture(const QString& /*name*/, const QImage& image) override { picture = image; }
+    void endScript() override {}
+    void playFrames() override {}
+
+    QImage picture;
+};
+
+QImage pictureOf(const FrameSequence::Event& event) {
+    PictureStage stage;
+    event.outcome.then(stage);
+    return stage.picture;
+}
+
 class FrameSequenceTest : public testing::Test, private controller::Observer {
 protected:
     FrameSequenceTest() {
@@ -28,7 +57,9 @@ protected:
         m_host.chip.setObserver(this);
     }
 
-    void play(const std::vector<script::FrameStep>& steps) { m_sequence.start(steps, m_host.chip); }
+    void play(const std::vector<script::FrameStepPtr>& steps) {
+        m_sequence.start(steps, m_host.chip);
+    }
 
     std::size_t stepsEnded() const { return m_events.size(); }
 
@@ -48,14 +79,14 @@ private:
 
 TEST_F(FrameSequenceTest, WaitsForSoManyFrames) {
     const std::uint32_t start = m_host.chip.framesScanned();
-    play({script::WaitFrames{2}, script::WaitFrames{3}});
+    play({step<script::WaitFrames>(2), step<script::WaitFrames>(3)});
     EXPECT_EQ(stepsEnded(), 0U);
     m_host.waitFrames(10);
     EXPECT_EQ(m_frames, (std::vector<std::uint32_t>{start + 2, start + 5}));
 }
 
 TEST_F(FrameSequenceTest, TellsWhichStepHasEnded) {
-    play({script::WaitFrames{1}, script::WaitFrames{2}, script::WaitQuiet{}});
+    play({step<script::WaitFrames>(1), step<script::WaitFrames>(2), step<script::WaitQuiet>()});
     EXPECT_EQ(stepsEnded(), 0U);
     m_host.waitFrames(1);
     ASSERT_EQ(stepsEnded(), 1U);
@@ -67,7 +98,7 @@ TEST_F(FrameSequenceTest, TellsWhichStepHasEnded) {
 }
 
 TEST_F(FrameSequenceTest, WaitsForText) {
-    play({script::WaitText{QStringLiteral("Ready*"), true}});
+    play({step<script::WaitText>(QStringLiteral("Ready*"), true)});
     m_host.send(listSaying("Not yet"));
     m_host.waitFrames(3);
     EXPECT_EQ(stepsEnded(), 0U);
@@ -79,7 +110,7 @@ TEST_F(FrameSequenceTest, WaitsForText) {
 TEST_F(FrameSequenceTest, WaitsForTextToVanish) {
     m_host.send(listSaying("Busy"));
     m_host.waitFrames(3);
-    play({script::WaitText{QStringLiteral("Busy"), false}});
+    play({step<script::WaitText>(QStringLiteral("Busy"), false)});
     EXPECT_EQ(stepsEnded(), 0U);
     m_host.send(listSaying("Done"));
     m_host.waitFrames(3);
@@ -89,13 +120,13 @@ TEST_F(FrameSequenceTest, WaitsForTextToVanish) {
 TEST_F(FrameSequenceTest, IsContentAtOnceWithWhatIsShownAlready) {
     m_host.send(listSaying("Here"));
     m_host.waitFrames(3);
-    play({script::WaitText{QStringLiteral("Here"), true}, script::WaitQuiet{},
-          script::ExpectText{QStringLiteral("Here"), true}});
+    play({step<script::WaitText>(QStringLiteral("Here"), true), step<script::WaitQuiet>(),
+          step<script::ExpectText>(QStringLiteral("Here"), true)});
     EXPECT_EQ(stepsEnded(), 3U);
 }
 
 TEST_F(FrameSequenceTest, WaitsForSwaps) {
-    play({script::WaitSwaps{2}});
+    play({step<script::WaitSwaps>(2)});
     m_host.send(listSaying("1"));
     m_host.waitFrames(5);
     EXPECT_EQ(stepsEnded(), 0U);
@@ -105,7 +136,7 @@ TEST_F(FrameSequenceTest, WaitsForSwaps) {
 }
 
 TEST_F(FrameSequenceTest, WaitsForReadsOfTheTag) {
-    play({script::WaitReads{2}});
+    play({step<script::WaitReads>(2)});
     m_host.read8(m_host.at.touchTag());
     m_host.waitFrames(2);
     EXPECT_EQ(stepsEnded(), 0U);
@@ -118,26 +149,26 @@ TEST_F(FrameSequenceTest, AScreenshotWaitsUntilASwapIsMade) {
     m_host.send(listSaying("Old"));
     m_host.waitFrames(3);
     m_host.send(listSaying("New"));
-    play({script::Screenshot{QStringLiteral("a"), false}});
+    play({step<script::Screenshot>(QStringLiteral("a"), false)});
     EXPECT_EQ(stepsEnded(), 0U) << "the swap is still pending";
     m_host.waitFrames(3);
     ASSERT_EQ(stepsEnded(), 1U);
-    EXPECT_TRUE(showsText(m_host.chip, QStringLiteral("New")));
-    EXPECT_EQ(m_events[0].picture, toImage(m_host.chip.frame().picture));
+    EXPECT_TRUE(script::showsText(m_host.chip, QStringLiteral("New")));
+    EXPECT_EQ(pictureOf(m_events[0]), toImage(m_host.chip.frame().picture));
 }
 
 TEST_F(FrameSequenceTest, AnUnmetExpectationEndsIt) {
     m_host.send(listSaying("Here"));
     m_host.waitFrames(3);
-    play({script::ExpectText{QStringLiteral("There"), true}, script::WaitFrames{1}});
+    play({step<script::ExpectText>(QStringLiteral("There"), true), step<script::WaitFrames>(1)});
     m_host.waitFrames(3);
     ASSERT_EQ(stepsEnded(), 1U);
     EXPECT_EQ(m_events[0].step, 0U);
-    EXPECT_EQ(m_events[0].failure, "the panel shows: \"Here\"");
+    EXPECT_EQ(m_events[0].outcome.failure, "the panel shows: \"Here\"");
 }
 
 TEST_F(FrameSequenceTest, SaysNothingMoreAfterStop) {
-    play({script::WaitFrames{1}});
+    play({step<script::WaitFrames>(1)});
     m_sequence.stop();
     m_host.waitFrames(3);
     EXPECT_EQ(stepsEnded(), 0U);
@@ -145,9 +176,9 @@ TEST_F(FrameSequenceTest, SaysNothingMoreAfterStop) {
 
 TEST_F(FrameSequenceTest, CatchesAnExactFrameOfAnAnimationHoweverTimePasses) {
     const Words animated = listSaying("Wait", {cmd::spinner, pair(236, 196), pair(3, 1)});
-    const std::vector<script::FrameStep> steps{script::WaitText{QStringLiteral("Wait"), true},
-                                               script::WaitSwaps{5},
-                                               script::Screenshot{QStringLiteral("a"), true}};
+    const std::vector<script::FrameStepPtr> steps{
+        step<script::WaitText>(QStringLiteral("Wait"), true), step<script::WaitSwaps>(5),
+        step<script::Screenshot>(QStringLiteral("a"), true)};
     play(steps);
     m_host.send(animated);
     for (int i = 0; i < 2000; ++i) {
@@ -160,8 +191,8 @@ TEST_F(FrameSequenceTest, CatchesAnExactFrameOfAnAnimationHoweverTimePasses) {
     m_host.send(animated);
     m_host.wait(1000 * ms); // at one go
     ASSERT_EQ(stepsEnded(), 6U);
-    EXPECT_EQ(m_events[2].picture, m_events[5].picture);
-    EXPECT_NE(*m_events[2].picture, toImage(m_host.chip.frame().picture));
+    EXPECT_EQ(pictureOf(m_events[2]), pictureOf(m_events[5]));
+    EXPECT_NE(pictureOf(m_events[2]), toImage(m_host.chip.frame().picture));
 }
 
 TEST(IsQuiet, FollowsRingAndSwapOnEveryGeneration) {
@@ -170,14 +201,14 @@ TEST(IsQuiet, FollowsRingAndSwapOnEveryGeneration) {
         Host host(generation);
         host.bootWithPanel();
         host.waitFrames(2);
-        EXPECT_TRUE(isQuiet(host.chip));
+        EXPECT_TRUE(script::isQuiet(host.chip));
         host.send(listSaying("Swap"));
-        EXPECT_FALSE(isQuiet(host.chip));
+        EXPECT_FALSE(script::isQuiet(host.chip));
         host.waitFrames(3);
-        EXPECT_TRUE(isQuiet(host.chip));
+        EXPECT_TRUE(script::isQuiet(host.chip));
         host.chip.setCoprocessorStalled(true);
         host.send({cmd::dlStart});
-        EXPECT_FALSE(isQuiet(host.chip));
+        EXPECT_FALSE(script::isQuiet(host.chip));
     }
 }
 

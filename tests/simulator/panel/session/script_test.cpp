@@ -1,4 +1,13 @@
+#include "applicationcommands.h"
+#include "expectationcommands.h"
+#include "faultcommands.h"
+#include "fingercommands.h"
+#include "framecommands.h"
+#include "inspectioncommands.h"
 #include "script.h"
+#include "servercommands.h"
+#include "sessioncommands.h"
+#include "waitcommands.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,117 +27,109 @@ std::string errorOf(const char* text) {
 
 // The action of the script's only line, which must be one of kind T.
 template<typename T>
-T only(const char* text) {
+std::shared_ptr<const T> only(const char* text) {
     const Script script = parsed(text);
     EXPECT_EQ(script.error.toStdString(), "");
-    if (script.statements.size() != 1 || !std::holds_alternative<T>(script.statements[0].action)) {
-        ADD_FAILURE() << "not one statement of the wanted kind: " << text;
-        return {};
+    const auto action = script.statements.size() == 1
+                            ? std::dynamic_pointer_cast<const T>(script.statements[0].action)
+                            : nullptr;
+    if (!action) {
+        throw std::runtime_error(std::string("not one statement of the wanted kind: ") + text);
     }
-    return std::get<T>(script.statements[0].action);
-}
-
-template<typename T>
-T onlyFrameStep(const char* text) {
-    const auto step = only<FrameStep>(text);
-    if (!std::holds_alternative<T>(step)) {
-        ADD_FAILURE() << "not a frame step of the wanted kind: " << text;
-        return {};
-    }
-    return std::get<T>(step);
+    return action;
 }
 
 TEST(Script, WaitsForTimeFramesAndSwaps) {
-    EXPECT_EQ(only<WaitTime>("wait time 1.5s").duration.count(), 1500);
-    EXPECT_EQ(only<WaitTime>("wait time 20ms").duration.count(), 20);
-    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 3").count, 3U);
-    EXPECT_EQ(onlyFrameStep<WaitSwaps>("wait swaps 12").count, 12U);
-    EXPECT_EQ(onlyFrameStep<WaitReads>("wait reads 2").count, 2U);
-    onlyFrameStep<WaitQuiet>("wait quiet");
+    EXPECT_EQ(only<WaitTime>("wait time 1.5s")->duration.count(), 1500);
+    EXPECT_EQ(only<WaitTime>("wait time 20ms")->duration.count(), 20);
+    EXPECT_EQ(only<WaitFrames>("wait frames 3")->count, 3U);
+    EXPECT_EQ(only<WaitSwaps>("wait swaps 12")->count, 12U);
+    EXPECT_EQ(only<WaitReads>("wait reads 2")->count, 2U);
+    only<WaitQuiet>("wait quiet");
 }
 
 TEST(Script, WaitsForTextAndItsEnd) {
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \"COUNTER MODE\"").pattern, "COUNTER MODE");
-    EXPECT_TRUE(onlyFrameStep<WaitText>("wait text 12").present);
-    EXPECT_FALSE(onlyFrameStep<WaitText>("wait no-text \"Please wait\"").present);
+    EXPECT_EQ(only<WaitText>("wait text \"COUNTER MODE\"")->pattern, "COUNTER MODE");
+    EXPECT_TRUE(only<WaitText>("wait text 12")->present);
+    EXPECT_FALSE(only<WaitText>("wait no-text \"Please wait\"")->present);
 }
 
 TEST(Script, WaitsForRequestsAndConnections) {
-    EXPECT_EQ(only<WaitRequest>("wait request \"START *\"").pattern, "START *");
-    EXPECT_EQ(only<WaitLog>("wait log \"start *\"").pattern, "start *");
-    EXPECT_TRUE(only<WaitConnection>("wait connection").connected);
-    EXPECT_FALSE(only<WaitConnection>("wait no-connection").connected);
+    EXPECT_EQ(only<WaitRequest>("wait request \"START *\"")->pattern, "START *");
+    EXPECT_EQ(only<WaitLog>("wait log \"start *\"")->pattern, "start *");
+    EXPECT_TRUE(only<WaitConnection>("wait connection")->connected);
+    EXPECT_FALSE(only<WaitConnection>("wait no-connection")->connected);
 }
 
 TEST(Script, WaitsForTheApplicationsEnd) {
-    EXPECT_FALSE(only<WaitExit>("wait exit").status.has_value());
-    EXPECT_EQ(only<WaitExit>("wait exit 1").status, 1);
-    EXPECT_EQ(only<WaitExit>("wait exit signal 6").signal, 6);
+    EXPECT_FALSE(only<WaitExit>("wait exit")->status.has_value());
+    EXPECT_EQ(only<WaitExit>("wait exit 1")->status, 1);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 6")->signal, 6);
 }
 
 TEST(Script, MovesTheFinger) {
     const auto press = only<Finger>("press 479 271");
-    EXPECT_EQ(press.action, Finger::Action::Press);
-    EXPECT_EQ(press.x, 479);
-    EXPECT_EQ(press.y, 271);
-    EXPECT_FALSE(press.now);
-    EXPECT_TRUE(only<Finger>("move 10 20 now").now);
-    EXPECT_EQ(only<Finger>("move 10 20").action, Finger::Action::Move);
-    EXPECT_EQ(only<Finger>("release").action, Finger::Action::Release);
-    EXPECT_TRUE(only<Finger>("release now").now);
-    EXPECT_EQ(only<Finger>("tap 0 0").action, Finger::Action::Tap);
+    EXPECT_EQ(press->kind, Finger::Kind::Press);
+    EXPECT_EQ(press->x, 479);
+    EXPECT_EQ(press->y, 271);
+    EXPECT_FALSE(press->now);
+    EXPECT_TRUE(only<Finger>("move 10 20 now")->now);
+    EXPECT_EQ(only<Finger>("move 10 20")->kind, Finger::Kind::Move);
+    EXPECT_EQ(only<Finger>("release")->kind, Finger::Kind::Release);
+    EXPECT_TRUE(only<Finger>("release now")->now);
+    EXPECT_EQ(only<Finger>("tap 0 0")->kind, Finger::Kind::Tap);
 }
 
 TEST(Script, TakesScreenshots) {
-    EXPECT_EQ(onlyFrameStep<Screenshot>("screenshot counter-1").name, "counter-1");
-    EXPECT_FALSE(onlyFrameStep<Screenshot>("screenshot counter").now);
-    EXPECT_TRUE(onlyFrameStep<Screenshot>("screenshot counter now").now);
+    EXPECT_EQ(only<Screenshot>("screenshot counter-1")->name, "counter-1");
+    EXPECT_FALSE(only<Screenshot>("screenshot counter")->now);
+    EXPECT_TRUE(only<Screenshot>("screenshot counter now")->now);
 }
 
 TEST(Script, CommandsTheServer) {
-    EXPECT_TRUE(only<ServerSwitch>("server start").on);
-    EXPECT_FALSE(only<ServerSwitch>("server stop").on);
+    EXPECT_TRUE(only<ServerSwitch>("server start")->on);
+    EXPECT_FALSE(only<ServerSwitch>("server stop")->on);
     const std::array<double, 4> values{1, -2.5, 3e6, 0};
-    EXPECT_EQ(only<ServerValues>("server values 1 -2.5 3e6 0").values, values);
-    EXPECT_FALSE(only<ServerValues>("server values random").values.has_value());
-    EXPECT_EQ(only<ServerFault>("server fault nul-byte").fault, server::Fault::NulByte);
+    EXPECT_EQ(only<ServerValues>("server values 1 -2.5 3e6 0")->values, values);
+    EXPECT_FALSE(only<ServerValues>("server values random")->values.has_value());
+    EXPECT_EQ(only<ServerFault>("server fault nul-byte")->fault, server::Fault::NulByte);
     const auto reply = only<ServerReply>("server reply START Error");
-    EXPECT_EQ(reply.command, "START");
-    EXPECT_EQ(reply.reply, QByteArray("Error\n"));
-    EXPECT_EQ(only<ServerReply>("server reply DATA? \"\"").reply, QByteArray(""));
-    EXPECT_FALSE(only<ServerReply>("server reply START default").reply.has_value());
+    EXPECT_EQ(reply->command, "START");
+    EXPECT_EQ(reply->reply, QByteArray("Error\n"));
+    EXPECT_EQ(only<ServerReply>("server reply DATA? \"\"")->reply, QByteArray(""));
+    EXPECT_FALSE(only<ServerReply>("server reply START default")->reply.has_value());
     const auto params = only<ServerParams>("server params 0.2 0.1 0.2 0.3 0.4");
-    EXPECT_EQ(params.timeConstant, 0.2);
-    EXPECT_EQ(params.levels[3], 0.4);
+    EXPECT_EQ(params->timeConstant, 0.2);
+    EXPECT_EQ(params->levels[3], 0.4);
 }
 
 TEST(Script, CommandsApplicationBoardAndController) {
-    EXPECT_TRUE(only<ApplicationSwitch>("application start").on);
-    EXPECT_FALSE(only<ApplicationSwitch>("application kill").on);
-    EXPECT_FALSE(only<BoardTransfers>("board transfers failing").working);
-    EXPECT_TRUE(only<BoardTransfers>("board transfers working").working);
-    EXPECT_EQ(only<ControllerIdentity>("controller identity 0x00011308").word, 0x11308U);
-    EXPECT_FALSE(only<ControllerAnswering>("controller answering no").answering);
-    EXPECT_TRUE(only<CoprocessorStalled>("controller coprocessor stalled").stalled);
-    EXPECT_EQ(only<AllowComplaint>("allow complaint \"unknown*\"").pattern, "unknown*");
+    EXPECT_TRUE(only<ApplicationSwitch>("application start")->on);
+    EXPECT_FALSE(only<ApplicationSwitch>("application kill")->on);
+    EXPECT_FALSE(only<BoardTransfers>("board transfers failing")->working);
+    EXPECT_TRUE(only<BoardTransfers>("board transfers working")->working);
+    EXPECT_EQ(only<ControllerIdentity>("controller identity 0x00011308")->word, 0x11308U);
+    EXPECT_FALSE(only<ControllerAnswering>("controller answering no")->answering);
+    EXPECT_TRUE(only<CoprocessorStalled>("controller coprocessor stalled")->stalled);
+    EXPECT_EQ(only<AllowComplaint>("allow complaint \"unknown*\"")->pattern, "unknown*");
 }
 
 TEST(Script, MarksExpectsAndReports) {
     only<Mark>("mark");
     only<Report>("report");
     only<End>("end");
-    EXPECT_TRUE(onlyFrameStep<ExpectText>("expect text Ok").present);
-    EXPECT_FALSE(onlyFrameStep<ExpectText>("expect no-text Ok").present);
+    EXPECT_TRUE(only<ExpectText>("expect text Ok")->present);
+    EXPECT_FALSE(only<ExpectText>("expect no-text Ok")->present);
     const auto requests = only<ExpectRequests>("expect requests \"START 1\" STOP");
-    EXPECT_EQ(requests.patterns, QStringList({"START 1", "STOP"}));
-    EXPECT_FALSE(requests.withData);
-    EXPECT_TRUE(only<ExpectRequests>("expect all-requests DATA?").withData);
-    EXPECT_EQ(only<ExpectNoRequest>("expect no-request STOP").pattern, "STOP");
-    EXPECT_EQ(only<ExpectLog>("expect log one \"two *\"").patterns, QStringList({"one", "two *"}));
+    EXPECT_EQ(requests->patterns, QStringList({"START 1", "STOP"}));
+    EXPECT_FALSE(requests->withData);
+    EXPECT_TRUE(only<ExpectRequests>("expect all-requests DATA?")->withData);
+    EXPECT_EQ(only<ExpectNoRequest>("expect no-request STOP")->pattern, "STOP");
+    EXPECT_EQ(only<ExpectLog>("expect log one \"two *\"")->patterns, QStringList({"one", "two *"}));
     const auto held = only<ExpectRegister>("expect register REG_TOUCH_TRANSFORM_C -591770");
-    EXPECT_EQ(held.id, controller::Register::TouchTransformC);
-    EXPECT_EQ(held.value, -591770);
-    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 64").atMostKilobytes, 64);
+    EXPECT_EQ(held->id, controller::Register::TouchTransformC);
+    EXPECT_EQ(held->value, -591770);
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 64")->atMostKilobytes, 64);
 }
 
 TEST(Script, KeepsLineNumbersAndSkipsCommentsAndEmptyLines) {
@@ -150,18 +151,18 @@ TEST(Script, LimitsWaitsOnRequest) {
 }
 
 TEST(Script, QuotedTextMayHoldAnything) {
-    EXPECT_EQ(onlyFrameStep<WaitText>(R"(wait text "a \"b\" # \\ c")").pattern, R"(a "b" # \ c)");
+    EXPECT_EQ(only<WaitText>(R"(wait text "a \"b\" # \\ c")")->pattern, R"(a "b" # \ c)");
     EXPECT_EQ(errorOf("end\nwait text \"open"),
               "s.txt:2: a quotation mark is not closed; end the text with \"");
 }
 
 TEST(Script, NamesTheCommandsWhenOneIsUnknown) {
     EXPECT_THAT(errorOf("tpa 1 2"),
-                StartsWith("s.txt:1: there is no command \"tpa\"; there is wait time, wait "));
+                StartsWith("s.txt:1: there is no command \"tpa\"; there is wait frames, wait "));
     EXPECT_EQ(
         errorOf("server restart"),
         "s.txt:1: there is no command \"server restart\"; there is server start, server stop, "
-        "server values, server fault, server reply, server params");
+        "server values, server reply, server params, server fault");
     EXPECT_EQ(errorOf("wait"), "s.txt:1: the second word of \"wait\" is missing");
 }
 
@@ -208,29 +209,29 @@ TEST(Script, AnEmptyScriptIsGood) {
 }
 
 TEST(Script, TimesAreFromNothingToADay) {
-    EXPECT_EQ(only<WaitTime>("wait time 0s").duration.count(), 0);
-    EXPECT_EQ(only<WaitTime>("wait time 86400s").duration.count(), 86400000);
+    EXPECT_EQ(only<WaitTime>("wait time 0s")->duration.count(), 0);
+    EXPECT_EQ(only<WaitTime>("wait time 86400s")->duration.count(), 86400000);
     EXPECT_THAT(errorOf("wait time 86400001ms"), StartsWith("s.txt:1: TIME must be a time"));
     EXPECT_THAT(errorOf("wait time nans"), StartsWith("s.txt:1: TIME must be a time"));
     EXPECT_THAT(errorOf("wait time s"), StartsWith("s.txt:1: TIME must be a time"));
 }
 
 TEST(Script, TimesAreRoundedToMilliseconds) {
-    EXPECT_EQ(only<WaitTime>("wait time 1.6ms").duration.count(), 2);
-    EXPECT_EQ(only<WaitTime>("wait time 0.0004s").duration.count(), 0);
+    EXPECT_EQ(only<WaitTime>("wait time 1.6ms")->duration.count(), 2);
+    EXPECT_EQ(only<WaitTime>("wait time 0.0004s")->duration.count(), 0);
 }
 
 TEST(Script, NumbersReachTheirBoundsAndNoFurther) {
-    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 1").count, 1U);
-    EXPECT_EQ(onlyFrameStep<WaitFrames>("wait frames 1000000").count, 1000000U);
-    EXPECT_EQ(only<WaitExit>("wait exit 0").status, 0);
-    EXPECT_EQ(only<WaitExit>("wait exit 255").status, 255);
-    EXPECT_EQ(only<WaitExit>("wait exit signal 1").signal, 1);
-    EXPECT_EQ(only<WaitExit>("wait exit signal 64").signal, 64);
+    EXPECT_EQ(only<WaitFrames>("wait frames 1")->count, 1U);
+    EXPECT_EQ(only<WaitFrames>("wait frames 1000000")->count, 1000000U);
+    EXPECT_EQ(only<WaitExit>("wait exit 0")->status, 0);
+    EXPECT_EQ(only<WaitExit>("wait exit 255")->status, 255);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 1")->signal, 1);
+    EXPECT_EQ(only<WaitExit>("wait exit signal 64")->signal, 64);
     EXPECT_EQ(errorOf("wait exit signal 0"),
               "s.txt:1: the signal must be a whole number from 1 to 64, not \"0\"");
-    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 0").atMostKilobytes, 0);
-    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 1048576").atMostKilobytes, 1048576);
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 0")->atMostKilobytes, 0);
+    EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 1048576")->atMostKilobytes, 1048576);
     EXPECT_EQ(errorOf("expect memory-growth 1048577"),
               "s.txt:1: KILOBYTES must be a whole number from 0 to 1048576, not \"1048577\"");
     EXPECT_EQ(errorOf("wait exit -1"),
@@ -240,29 +241,29 @@ TEST(Script, NumbersReachTheirBoundsAndNoFurther) {
 }
 
 TEST(Script, RegistersHoldAnySignedWord) {
-    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID -2147483648").value, INT32_MIN);
-    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID 2147483647").value, INT32_MAX);
+    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID -2147483648")->value, INT32_MIN);
+    EXPECT_EQ(only<ExpectRegister>("expect register REG_ID 2147483647")->value, INT32_MAX);
     EXPECT_EQ(errorOf("expect register REG_NONE 1"),
               "s.txt:1: the controller has no register \"REG_NONE\"");
 }
 
 TEST(Script, ServerParamsGiveEveryTriggerLevel) {
     const std::array<double, 4> levels{0.1, -0.2, 30, 0};
-    EXPECT_EQ(only<ServerParams>("server params 0.2 0.1 -0.2 30 0").levels, levels);
+    EXPECT_EQ(only<ServerParams>("server params 0.2 0.1 -0.2 30 0")->levels, levels);
     EXPECT_EQ(errorOf("server params 0.2 0.1 -0.2 30"),
               "s.txt:1: a trigger level (four) is missing");
 }
 
 TEST(Script, StatesHaveTwoWords) {
-    EXPECT_TRUE(only<ControllerAnswering>("controller answering yes").answering);
-    EXPECT_FALSE(only<CoprocessorStalled>("controller coprocessor running").stalled);
+    EXPECT_TRUE(only<ControllerAnswering>("controller answering yes")->answering);
+    EXPECT_FALSE(only<CoprocessorStalled>("controller coprocessor running")->stalled);
     EXPECT_EQ(errorOf("controller coprocessor"), "s.txt:1: the state is missing");
 }
 
 TEST(Script, WithinIsALimitOnlyAfterAnotherWordAndBeforeTheLast) {
     EXPECT_THAT(errorOf("within 2s"), StartsWith("s.txt:1: there is no command \"within\""));
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text within").pattern, "within");
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text within within 1s").pattern, "within");
+    EXPECT_EQ(only<WaitText>("wait text within")->pattern, "within");
+    EXPECT_EQ(only<WaitText>("wait text within within 1s")->pattern, "within");
 }
 
 TEST(Script, LimitsWhateverWaits) {
@@ -281,15 +282,15 @@ TEST(Script, LimitsWhateverWaits) {
 }
 
 TEST(Script, PictureNamesStartWithALetterOrDigit) {
-    EXPECT_EQ(onlyFrameStep<Screenshot>("screenshot 1_a.B-c").name, "1_a.B-c");
+    EXPECT_EQ(only<Screenshot>("screenshot 1_a.B-c")->name, "1_a.B-c");
     EXPECT_THAT(errorOf("screenshot .a"), StartsWith("s.txt:1: a picture's name has"));
     EXPECT_THAT(errorOf("screenshot a/b"), StartsWith("s.txt:1: a picture's name has"));
 }
 
 TEST(Script, QuotedTextMayBeEmptyAndHoldsItsBlanks) {
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \"\"").pattern, "");
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text \" a  b \"").pattern, " a  b ");
-    EXPECT_EQ(onlyFrameStep<WaitText>("wait text a\\\"b").pattern, "a\\\"b"); // not a quotation
+    EXPECT_EQ(only<WaitText>("wait text \"\"")->pattern, "");
+    EXPECT_EQ(only<WaitText>("wait text \" a  b \"")->pattern, " a  b ");
+    EXPECT_EQ(only<WaitText>("wait text a\\\"b")->pattern, "a\\\"b"); // not a quotation
     EXPECT_EQ(errorOf("wait text \"open\\\""),
               "s.txt:1: a quotation mark is not closed; end the text with \"");
 }
