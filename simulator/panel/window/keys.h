@@ -4,6 +4,9 @@
 
 namespace panel {
 
+// The window's menus, in their order.
+enum class MenuName { Instrument, Record, View, Faults };
+
 // What the keys do in the window.
 enum class KeyAction {
     Zoom1,
@@ -19,20 +22,21 @@ enum class KeyAction {
 
 struct KeyBinding {
     KeyAction action;
+    MenuName menu; // where it stands
     const char* key;
     const char* text;
 };
 
 constexpr KeyBinding keyBindings[] = {
-    {KeyAction::Zoom1, "1", "real size"},
-    {KeyAction::Zoom2, "2", "twice as large"},
-    {KeyAction::Zoom3, "3", "three times as large"},
-    {KeyAction::Zoom4, "4", "four times as large"},
-    {KeyAction::Screenshot, "P", "take a screenshot, 480 x 272"},
-    {KeyAction::RestartApplication, "R", "restart the application"},
-    {KeyAction::KillApplication, "K", "kill the application"},
-    {KeyAction::ToggleServer, "S", "switch the measurement server on or off"},
-    {KeyAction::Quit, "Q", "quit"},
+    {KeyAction::Zoom1, MenuName::View, "1", "real size"},
+    {KeyAction::Zoom2, MenuName::View, "2", "twice as large"},
+    {KeyAction::Zoom3, MenuName::View, "3", "three times as large"},
+    {KeyAction::Zoom4, MenuName::View, "4", "four times as large"},
+    {KeyAction::Screenshot, MenuName::Record, "P", "take a screenshot, 480 x 272"},
+    {KeyAction::RestartApplication, MenuName::Instrument, "R", "restart the application"},
+    {KeyAction::KillApplication, MenuName::Instrument, "K", "kill the application"},
+    {KeyAction::ToggleServer, MenuName::Instrument, "S", "switch the measurement server on or off"},
+    {KeyAction::Quit, MenuName::Instrument, "Q", "quit"},
 };
 
 // One line for each key.

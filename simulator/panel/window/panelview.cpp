@@ -9,7 +9,6 @@ namespace panel {
 
 namespace {
 
-constexpr QSize panelSize(480, 272);
 constexpr int fullBacklight = 128;
 
 } // namespace
@@ -17,6 +16,7 @@ constexpr int fullBacklight = 128;
 PanelView::PanelView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::PointingHandCursor);
+    setMouseTracking(true);
     setZoom(m_zoom);
 }
 
@@ -52,21 +52,22 @@ void PanelView::paintDark(QPainter& painter) const {
                                            "running or its pixel clock stands still"));
 }
 
-void PanelView::touchAt(QPoint position) {
+QPoint PanelView::pixelAt(QPoint position) const {
     // Not QPoint's division, which rounds.
-    emit touched({std::clamp(position.x() / m_zoom, 0, panelSize.width() - 1),
-                  std::clamp(position.y() / m_zoom, 0, panelSize.height() - 1)});
+    return {std::clamp(position.x() / m_zoom, 0, panelSize.width() - 1),
+            std::clamp(position.y() / m_zoom, 0, panelSize.height() - 1)};
 }
 
 void PanelView::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
-        touchAt(event->pos());
+        emit touched(pixelAt(event->pos()));
     }
 }
 
 void PanelView::mouseMoveEvent(QMouseEvent* event) {
+    emit hovered(pixelAt(event->pos()));
     if ((event->buttons() & Qt::LeftButton) != 0) {
-        touchAt(event->pos());
+        emit touched(pixelAt(event->pos()));
     }
 }
 
@@ -74,6 +75,10 @@ void PanelView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
         emit released();
     }
+}
+
+void PanelView::leaveEvent(QEvent* /*event*/) {
+    emit left();
 }
 
 } // namespace panel

@@ -7,6 +7,8 @@
 
 namespace panel {
 
+constexpr QSize panelSize(480, 272);
+
 // Shows a finished picture of the panel in whole screen pixels per panel pixel, as bright as the
 // backlight makes it, and takes the mouse for the finger.
 class PanelView : public QWidget {
@@ -22,15 +24,18 @@ public:
 signals:
     void touched(QPoint pixel); // finger down at, or moved to, this panel pixel
     void released();
+    void hovered(QPoint pixel); // the mouse is over this panel pixel, finger down or not
+    void left();                // it is no longer over the panel
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
-    void touchAt(QPoint position);
+    QPoint pixelAt(QPoint position) const;
     void paintDark(QPainter& painter) const;
 
     int m_zoom = 1;

@@ -1,21 +1,30 @@
 #include "panelwindow.h"
 
+#include "messagebar.h"
+
 #include <QAction>
 #include <QCloseEvent>
 #include <QLabel>
-#include <QLayout>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <optional>
 
 namespace panel {
 
 namespace {
 
 constexpr int refreshMs = 16;
-constexpr int messageMs = 5000;
+constexpr int highestZoom = 4;
 constexpr int bezelWidth = 12;
+constexpr int sideMargin = 8;
+constexpr int statusMargin = 2;
+constexpr int spacing = 4;
+constexpr int usualTitleBar = 32; // as long as there is none to measure
 constexpr QRgb bezelColour = 0xFF202428;
 
 QString keyLine() {
@@ -29,6 +38,40 @@ QString keyLine() {
     return entries.join(QStringLiteral(" &nbsp; "));
 }
 
+const char* titleOf(MenuName name) {
+    switch (name) {
+    case MenuName::Instrument:
+        return "&Instrument";
+    case MenuName::Record:
+        return "&Record";
+    case MenuName::View:
+        return "&View";
+    case MenuName::Faults:
+        return "&Faults";
+    }
+    return "";
+}
+
+std::optional<int> zoomOf(KeyAction action) {
+    switch (action) {
+    case KeyAction::Zoom1:
+        return 1;
+    case KeyAction::Zoom2:
+        return 2;
+    case KeyAction::Zoom3:
+        return 3;
+    case KeyAction::Zoom4:
+        return 4;
+    default:
+        return {};
+    }
+}
+
+// A label without text knows no height for a width.
+int heightOf(const QWidget& widget, int width) {
+    return widget.hasHeightForWidth() ? widget.heightForWidth(width) : widget.sizeHint().height();
+}
+
 // Around the panel, so that its edge shows.
 QWidget* inBezel(QWidget* panel) {
     auto* bezel = new QWidget;
@@ -36,31 +79,38 @@ QWidget* inBezel(QWidget* panel) {
     bezel->setPalette(QPalette(QColor(bezelColour)));
     auto* layout = new QVBoxLayout(bezel);
     layout->setContentsMargins(bezelWidth, bezelWidth, bezelWidth, bezelWidth);
-    layout->addWidget(panel);
+    layout->addWidget(panel, 0, Qt::AlignCenter);
     return bezel;
 }
 
 } // namespace
 
 PanelWindow::PanelWindow(Rig& rig, int zoom)
-    : m_rig(rig), m_view(new PanelView), m_frameRate(new QLabel), m_server(new QLabel),
-      m_application(new QLabel) {
+    : m_rig(rig), m_view(new PanelView), m_messages(new MessageBar), m_keys(new QLabel(keyLine())),
+      m_frameRate(new QLabel), m_server(new QLabel), m_application(new QLabel), m_wantedZoom(zoom),
+      m_largestZoom(highestZoom) {
     setWindowTitle(tr("Virtual instrument"));
-    auto* keys = new QLabel(keyLine());
-    keys->setWordWrap(true);
+    m_keys->setWordWrap(true);
+    m_keys->setContentsMargins(sideMargin, 0, sideMargin, 0);
     auto* centre = new QWidget;
     auto* layout = new QVBoxLayout(centre);
-    layout->addWidget(inBezel(m_view));
-    layout->addWidget(keys);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    layout->addWidget(inBezel(m_view), 1);
+    layout->addWidget(m_messages);
+    layout->addWidget(m_keys);
     setCentralWidget(centre);
-    QMainWindow::layout()->setSizeConstraint(QLayout::SetFixedSize); // follow the zoom
     statusBar()->addWidget(m_application);
     statusBar()->addWidget(m_server);
     statusBar()->addPermanentWidget(m_frameRate);
-    statusBar()->setSizeGripEnabled(false);
+    for (QLabel* label : {m_application, m_server, m_frameRate}) {
+        label->setContentsMargins(sideMargin, statusMargin, sideMargin, statusMargin);
+    }
+    addMenus();
     addActions();
-    m_view->setZoom(zoom);
+    setZoom(zoom);
 
+    connect(m_messages, &MessageBar::changed, this, &PanelWindow::arrange);
     connect(m_view, &PanelView::touched, this,
             [this](QPoint pixel) { m_rig.module().touch(pixel.x(), pixel.y()); });
     connect(m_view, &PanelView::released, this, [this] { m_rig.module().release(); });
@@ -74,28 +124,45 @@ void PanelWindow::closeEvent(QCloseEvent* event) {
     emit closed();
 }
 
+void PanelWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    fitInto(screen()->availableSize());
+}
+
+void PanelWindow::addMenus() {
+    for (const MenuName name :
+         {MenuName::Instrument, MenuName::Record, MenuName::View, MenuName::Faults}) {
+        m_menus[name] = menuBar()->addMenu(tr(titleOf(name)));
+        m_menus[name]->menuAction()->setVisible(false);
+    }
+}
+
+QMenu& PanelWindow::menu(MenuName name) {
+    QMenu& menu = *m_menus.at(name);
+    menu.menuAction()->setVisible(true);
+    return menu;
+}
+
 void PanelWindow::addActions() {
-    QMenu* menu = menuBar()->addMenu(tr("&Instrument"));
     for (const KeyBinding& binding : keyBindings) {
         QString text = QString::fromLatin1(binding.text);
         text[0] = text[0].toUpper();
-        QAction* action = menu->addAction(text);
+        QAction* action = menu(binding.menu).addAction(text);
         action->setShortcut(QKeySequence(QString::fromLatin1(binding.key)));
         connect(action, &QAction::triggered, this,
                 [this, what = binding.action] { perform(what); });
+        m_actions[binding.action] = action;
     }
 }
 
 void PanelWindow::perform(KeyAction action) {
     switch (action) {
     case KeyAction::Zoom1:
-        return m_view->setZoom(1);
     case KeyAction::Zoom2:
-        return m_view->setZoom(2);
     case KeyAction::Zoom3:
-        return m_view->setZoom(3);
     case KeyAction::Zoom4:
-        return m_view->setZoom(4);
+        m_wantedZoom = *zoomOf(action);
+        return setZoom(m_wantedZoom);
     case KeyAction::Screenshot:
         return takeScreenshot();
     case KeyAction::RestartApplication:
@@ -110,15 +177,58 @@ void PanelWindow::perform(KeyAction action) {
     }
 }
 
+void PanelWindow::fitInto(QSize available) {
+    m_largestZoom = highestZoom;
+    while (m_largestZoom > 1 && (sizeWith(m_largestZoom).width() > available.width() ||
+                                 sizeWith(m_largestZoom).height() > available.height())) {
+        --m_largestZoom;
+    }
+    for (const auto& [what, action] : m_actions) {
+        action->setEnabled(zoomOf(what).value_or(1) <= m_largestZoom);
+    }
+    setZoom(std::min(m_wantedZoom, m_largestZoom));
+}
+
+// Of the window with its frame, without what stands beside the panel.
+QSize PanelWindow::sizeWith(int zoom) const {
+    const int width = panelSize.width() * zoom + 2 * bezelWidth;
+    const int around = menuBar()->sizeHint().height() + statusBar()->sizeHint().height() +
+                       heightOf(*m_messages, width) + heightOf(*m_keys, width) + 2 * bezelWidth +
+                       2 * spacing;
+    const int frame = isVisible() ? frameGeometry().height() - height() : 0;
+    return {width, panelSize.height() * zoom + around + std::max(frame, usualTitleBar)};
+}
+
+void PanelWindow::setZoom(int zoom) {
+    m_view->setZoom(zoom);
+    arrange();
+    // Not when somebody has made it larger on purpose, or the desktop has.
+    if (!isMaximized() && !isFullScreen()) {
+        resize(sizeHint());
+    }
+}
+
+// Gives the texts below the panel the height that they need for the panel's width: a main window
+// does not ask for it.
+void PanelWindow::arrange() {
+    const int width = m_view->width() + 2 * bezelWidth;
+    m_messages->setMinimumHeight(heightOf(*m_messages, width));
+    m_keys->setMinimumHeight(heightOf(*m_keys, width));
+}
+
 void PanelWindow::takeScreenshot() {
     const PictureStore::Outcome outcome =
         m_rig.pictures().takeNumbered(toImage(m_rig.module().picture()));
-    statusBar()->showMessage(outcome.text, messageMs);
+    if (outcome.result == PictureStore::Result::NotWritten) {
+        m_messages->showProblem(outcome.text);
+    } else {
+        m_messages->showNotice(tr("Screenshot: %1").arg(outcome.text));
+    }
 }
 
 void PanelWindow::restartApplication() {
     if (!m_rig.application().start()) {
-        statusBar()->showMessage(m_rig.application().error(), messageMs);
+        m_messages->showProblem(m_rig.application().error());
     }
 }
 
@@ -126,7 +236,7 @@ void PanelWindow::toggleServer() {
     if (m_rig.server().isListening()) {
         m_rig.server().stop();
     } else if (!m_rig.server().start()) {
-        statusBar()->showMessage(m_rig.server().error(), messageMs);
+        m_messages->showProblem(m_rig.server().error());
     }
 }
 

@@ -6,28 +6,45 @@
 
 #include <QMainWindow>
 
+#include <map>
+
 class QLabel;
-class QMenu;
 
 namespace panel {
 
-// The instrument's front on the screen: the panel, what state it is in, and keys for the common
-// actions.
+class MessageBar;
+
+// The instrument's front on the screen: the panel, what state it is in, what there is to say, and
+// keys for the common actions. Whoever adds to it hangs actions into its menus and docks beside it.
 class PanelWindow : public QMainWindow {
     Q_OBJECT
 
 public:
     PanelWindow(Rig& rig, int zoom);
 
+    PanelView& view() { return *m_view; }
+    MessageBar& messages() { return *m_messages; }
+    // Menus stand in the order of their names; one that nobody has asked for is not shown.
+    QMenu& menu(MenuName name);
+
+    // From now on the panel is shown no larger than what fits into so much of a screen. The window
+    // does so by itself with the screen on which it appears.
+    void fitInto(QSize available);
+
 signals:
     void closed();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    void addMenus();
     void addActions();
     void perform(KeyAction action);
+    void setZoom(int zoom);
+    QSize sizeWith(int zoom) const;
+    void arrange();
     void takeScreenshot();
     void restartApplication();
     void toggleServer();
@@ -38,9 +55,15 @@ private:
 
     Rig& m_rig;
     PanelView* const m_view;
+    MessageBar* const m_messages;
+    QLabel* const m_keys;
     QLabel* const m_frameRate;
     QLabel* const m_server;
     QLabel* const m_application;
+    std::map<MenuName, QMenu*> m_menus;
+    std::map<KeyAction, QAction*> m_actions;
+    int m_wantedZoom;
+    int m_largestZoom;
     std::uint32_t m_framesShown = 0;
 };
 

@@ -69,6 +69,21 @@ TEST_F(PanelViewTest, TheMouseIsTheFinger) {
     EXPECT_EQ(released.size(), 1);
 }
 
+TEST_F(PanelViewTest, TellsWhereTheMouseIs) {
+    m_view.setZoom(2);
+    const QSignalSpy hovered(&m_view, &PanelView::hovered);
+    const QSignalSpy touched(&m_view, &PanelView::touched);
+    QMouseEvent move(QEvent::MouseMove, {21, 41}, Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(&m_view, &move);
+    ASSERT_EQ(hovered.size(), 1);
+    EXPECT_EQ(hovered[0][0].toPoint(), QPoint(10, 20));
+    EXPECT_EQ(touched.size(), 0);
+    const QSignalSpy left(&m_view, &PanelView::left);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&m_view, &leave);
+    EXPECT_EQ(left.size(), 1);
+}
+
 TEST_F(PanelViewTest, OnlyTheLeftButtonTouches) {
     const QSignalSpy touched(&m_view, &PanelView::touched);
     QTest::mouseClick(&m_view, Qt::RightButton, {}, {5, 5});

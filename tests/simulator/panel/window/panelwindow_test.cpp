@@ -1,3 +1,4 @@
+#include "messagebar.h"
 #include "panelwindow.h"
 
 #include <QAction>
@@ -10,13 +11,18 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
 
 namespace panel {
 namespace {
 
 constexpr int generousMs = 60000;
+constexpr QSize largeScreen(3840, 2160);
 
 class PanelWindowTest : public testing::Test {
 protected:
@@ -29,6 +35,7 @@ protected:
         ASSERT_EQ(m_rig->start().text.toStdString(), "");
         m_window = std::make_unique<PanelWindow>(*m_rig, 1);
         m_window->show();
+        m_window->fitInto(largeScreen);
     }
 
     QString application(const QByteArray& command) const {
@@ -42,13 +49,20 @@ protected:
 
     // Does what the key does.
     void press(const char* key) {
-        for (QAction* action : m_window->menuBar()->actions().first()->menu()->actions()) {
-            if (action->shortcut() == QKeySequence(QString::fromLatin1(key))) {
-                action->trigger();
-                return;
+        QAction* action = actionOf(key);
+        ASSERT_NE(action, nullptr) << "no key " << key;
+        action->trigger();
+    }
+
+    QAction* actionOf(const char* key) const {
+        for (const QMenu* menu : m_window->menuBar()->findChildren<QMenu*>()) {
+            for (QAction* action : menu->actions()) {
+                if (action->shortcut() == QKeySequence(QString::fromLatin1(key))) {
+                    return action;
+                }
             }
         }
-        ADD_FAILURE() << "no key " << key;
+        return nullptr;
     }
 
     bool shows(const QString& text) const {
@@ -64,6 +78,31 @@ protected:
         return QTest::qWaitFor([this, &text] { return shows(text); }, generousMs);
     }
 
+    // Texts that have too little room or lie over others or over the panel, or nothing.
+    QString overlap() const {
+        std::vector<std::pair<QString, QRect>> places;
+        const auto add = [&](const QString& name, const QWidget& widget) {
+            places.emplace_back(name, QRect(widget.mapTo(m_window.get(), {}), widget.size()));
+        };
+        add(QStringLiteral("the panel"), m_window->view());
+        for (const QLabel* label : m_window->findChildren<QLabel*>()) {
+            if (label->isVisible() && label->height() < label->heightForWidth(label->width())) {
+                return label->text();
+            }
+            if (label->isVisible()) {
+                add(label->text(), *label);
+            }
+        }
+        for (auto one = places.begin(); one != places.end(); ++one) {
+            for (auto other = one + 1; other != places.end(); ++other) {
+                if (one->second.intersects(other->second)) {
+                    return one->first + QStringLiteral(" and ") + other->first;
+                }
+            }
+        }
+        return {};
+    }
+
     QTemporaryDir m_directory;
     std::unique_ptr<Rig> m_rig;
     std::unique_ptr<PanelWindow> m_window;
@@ -76,6 +115,57 @@ TEST_F(PanelWindowTest, KeysZoomInWholePixels) {
     press("1");
     EXPECT_EQ(view->size(), QSize(480, 272));
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_window->height() < 2 * 272; }, generousMs));
+}
+
+TEST_F(PanelWindowTest, IsNoLargerThanTheScreenHasRoomFor) {
+    const auto* view = m_window->findChild<PanelView*>();
+    press("4");
+    EXPECT_EQ(view->zoom(), 4);
+    m_window->fitInto({1366, 768});
+    EXPECT_EQ(view->zoom(), 2);
+    EXPECT_LE(m_window->height(), 768);
+    EXPECT_FALSE(actionOf("3")->isEnabled());
+    EXPECT_TRUE(actionOf("2")->isEnabled());
+    m_window->fitInto({800, 480});
+    EXPECT_EQ(view->zoom(), 1);
+    m_window->fitInto({300, 200});
+    EXPECT_EQ(view->zoom(), 1) << "there is nothing smaller";
+    m_window->fitInto(largeScreen);
+    EXPECT_EQ(view->zoom(), 4) << "as the user wanted it";
+}
+
+TEST_F(PanelWindowTest, ShowsOnlyMenusThatSomebodyUses) {
+    const auto isShown = [this](const char* title) {
+        for (const QAction* action : m_window->menuBar()->actions()) {
+            if (action->text() == QLatin1String(title)) {
+                return action->isVisible();
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(isShown("&Instrument"));
+    EXPECT_FALSE(isShown("&Faults"));
+    m_window->menu(MenuName::Faults).addAction(QStringLiteral("Nothing works"));
+    EXPECT_TRUE(isShown("&Faults"));
+}
+
+TEST_F(PanelWindowTest, MessagesCoverNothing) {
+    MessageBar& messages = m_window->messages();
+    messages.setProgress(QStringLiteral("line 3"));
+    messages.showProblem(QStringLiteral("The disk is full. ").repeated(30));
+    messages.showNotice(QStringLiteral("a notice"));
+    EXPECT_EQ(messages.progress(), QStringLiteral("line 3"));
+    EXPECT_EQ(messages.notice(), QStringLiteral("a notice"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return overlap().isEmpty(); }, generousMs))
+        << overlap().toStdString();
+}
+
+TEST_F(PanelWindowTest, AProblemStaysUntilItIsClosed) {
+    MessageBar& messages = m_window->messages();
+    messages.showProblem(QStringLiteral("The disk is full"));
+    EXPECT_TRUE(shows(QStringLiteral("The disk is full")));
+    messages.findChild<QToolButton*>()->click();
+    EXPECT_FALSE(shows(QStringLiteral("The disk is full")));
 }
 
 TEST_F(PanelWindowTest, ListsItsKeys) {
