@@ -145,9 +145,21 @@ def images():
     def chunk(name, content):
         return struct.pack(">I", len(content)) + name + content + struct.pack(">I", zlib.crc32(name + content))
 
+    def lines_of(columns, count, samples):
+        return b"".join(
+            bytes([line % 5]) + bytes(range(line, columns * samples + line)) for line in range(count)
+        )
+
+    # Where the seven passes of an interlaced image begin, and their steps: x, y, x, y.
+    passes = ((0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2), (0, 1, 1, 2))
+
     def png(kind, samples, *chunks, interlaced=0, depth=8):
-        head = struct.pack(">IIBBBBB", 4, 3, depth, kind, 0, 0, interlaced)
-        lines = b"".join(bytes([line % 5]) + bytes(range(line, 4 * samples + line)) for line in range(3))
+        width, height = 4, 3
+        head = struct.pack(">IIBBBBB", width, height, depth, kind, 0, 0, interlaced)
+        sizes = [(width, height)]
+        if interlaced:
+            sizes = [(len(range(x, width, dx)), len(range(y, height, dy))) for x, y, dx, dy in passes]
+        lines = b"".join(lines_of(*size, samples) for size in sizes if size[0] > 0)
         parts = [chunk(b"IHDR", head), *chunks, chunk(b"IDAT", zlib.compress(lines)), chunk(b"IEND", b"")]
         return b"\x89PNG\r\n\x1a\n" + b"".join(parts)
 

@@ -31,6 +31,7 @@ Generation generation(std::uint8_t choice) {
 
 SmallPanel::SmallPanel(Generation generation, const controller::Options& options)
     : Host(generation, options) {
+    chip.setObserver(nullptr); // nobody reads what would be kept of every byte
     boot();
     write32(hSize(at), width);
     write32(vSize(at), height);
@@ -55,13 +56,18 @@ void SmallPanel::feed(const std::vector<std::uint32_t>& words) {
         const auto first = words.begin() + static_cast<std::ptrdiff_t>(start);
         const auto count = std::min(ringWords, words.size() - start);
         send({first, first + static_cast<std::ptrdiff_t>(count)});
-        for (int i = 0; i < patience && !ringIsEmpty(); ++i) {
+        for (int i = 0; i < patience && !hasTakenAll(); ++i) {
             wait(ms);
         }
-        if (!ringIsEmpty()) {
+        if (!hasTakenAll()) {
             return; // a fault, or a command that waits for something
         }
     }
+}
+
+// Without the bus, which would be an eighth of all that the fuzzers do.
+bool SmallPanel::hasTakenAll() const {
+    return chip.peek32(at.cmdRead()) == chip.peek32(at.cmdWrite());
 }
 
 void SmallPanel::requireWorking() {

@@ -24,6 +24,9 @@ public:
     void feed(const std::vector<std::uint32_t>& words);
     // Takes the chip through power-down; it must then work as ever.
     void requireWorking();
+
+private:
+    bool hasTakenAll() const;
 };
 
 // A word for the coprocessor: one byte says of what kind it is, so that commands, small numbers,
