@@ -3,6 +3,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace server {
 
 namespace {
@@ -10,6 +12,7 @@ namespace {
 constexpr double minTimeConst = 0.01; // seconds
 constexpr double maxTimeConst = 10.0; // seconds
 constexpr double maxLevel = 10.0;     // volts, either sign
+constexpr double clockStep = 0.001;   // seconds; the panel counts its own time in milliseconds
 
 const QByteArray okReply = QByteArrayLiteral("Ok\n");
 const QByteArray errorReply = QByteArrayLiteral("Error\n");
@@ -44,11 +47,11 @@ QByteArray Instrument::answer(const QByteArray& line, double now) {
     const QByteArray command = space < 0 ? line : line.left(space);
     const QByteArray arguments = space < 0 ? QByteArray() : line.mid(space + 1);
     if (command == "START")
-        return start(arguments);
+        return start(arguments, now);
     if (command == "DAC")
         return setTriggerLevel(arguments);
     if (line == "STOP")
-        return stop(now);
+        return stop();
     if (line == "DATA?")
         return data(now);
     if (line == "PARAMS?")
@@ -56,19 +59,18 @@ QByteArray Instrument::answer(const QByteArray& line, double now) {
     return errorReply;
 }
 
-QByteArray Instrument::start(const QByteArray& seconds) {
+QByteArray Instrument::start(const QByteArray& seconds, double now) {
     const auto timeConst = numberWithin(seconds, minTimeConst, maxTimeConst);
     if (!timeConst)
         return errorReply;
     m_params.timeConst = *timeConst;
     m_running = true;
+    m_sampleBegan = now;
     return okReply;
 }
 
-// The counters keep what they hold at this moment.
-QByteArray Instrument::stop(double now) {
-    if (m_running)
-        count(now);
+// The counters keep the last complete sample.
+QByteArray Instrument::stop() {
     m_running = false;
     return quietOk();
 }
@@ -87,8 +89,8 @@ QByteArray Instrument::setTriggerLevel(const QByteArray& arguments) {
 }
 
 QByteArray Instrument::data(double now) {
-    if (m_running)
-        count(now);
+    if (m_running && now - m_sampleBegan >= m_params.timeConst - clockStep)
+        completeSample(now);
     QJsonObject object{{"TimeConst", m_params.timeConst}};
     insertFour(&object, "Channel", m_fixedSample.value_or(m_sample));
     return line(object);
@@ -104,12 +106,13 @@ QByteArray Instrument::quietOk() const {
     return m_answerEverything ? okReply : QByteArray();
 }
 
-void Instrument::count(double now) {
-    m_source.runTo(now);
-    for (std::size_t i = 0; i < m_sample.size(); ++i) {
-        const auto pulses = m_source.countAbove(m_params.ref[i], now - m_params.timeConst);
-        m_sample[i] = static_cast<double>(pulses);
-    }
+void Instrument::completeSample(double now) {
+    const double began = m_pulseTime;
+    m_pulseTime += std::max(m_params.timeConst, 0.0);
+    m_source.runTo(m_pulseTime);
+    for (std::size_t i = 0; i < m_sample.size(); ++i)
+        m_sample[i] = static_cast<double>(m_source.countAbove(m_params.ref[i], began));
+    m_sampleBegan = now;
 }
 
 } // namespace server

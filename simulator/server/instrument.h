@@ -23,6 +23,11 @@ using Sample = std::array<double, 4>;
 
 // The instrument behind the server: answers one command line at a time, without any socket.
 // docs/protocol.md lists the commands. Time is an argument, in seconds; it never goes back.
+//
+// The pulses live in a time of their own, which goes on by one time constant with each sample of a
+// run. The clock's time only says when a sample is complete: one time constant after the run (or
+// its present time constant) was started, or the sample before was first reported. So the same
+// seed and the same requests give the same samples, however slow the machine is.
 class Instrument {
 public:
     explicit Instrument(std::uint32_t seed);
@@ -43,17 +48,19 @@ public:
     void setParams(const Params& params) { m_params = params; }
 
 private:
-    QByteArray start(const QByteArray& seconds);
-    QByteArray stop(double now);
+    QByteArray start(const QByteArray& seconds, double now);
+    QByteArray stop();
     QByteArray setTriggerLevel(const QByteArray& arguments);
     QByteArray data(double now);
     QByteArray paramsReply() const;
     QByteArray quietOk() const;
-    void count(double now);
+    void completeSample(double now);
 
     PulseSource m_source;
     Params m_params;
-    Sample m_sample{};
+    double m_pulseTime = 0;   // up to which the pulses have been counted, seconds
+    double m_sampleBegan = 0; // by the clock
+    Sample m_sample{};        // the last complete one
     std::optional<Sample> m_fixedSample;
     bool m_running = false;
     bool m_answerEverything = false;

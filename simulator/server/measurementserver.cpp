@@ -1,15 +1,16 @@
 #include "measurementserver.h"
 
+#include "connection.h"
+
 #include <QElapsedTimer>
 #include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
+
+#include <algorithm>
 
 namespace server {
 
 namespace {
 
-constexpr int lateReplyMs = 100;
 // No command comes near this length; a client that sends more without a line feed is lost.
 constexpr int longestRequest = 1024; // bytes
 
@@ -32,15 +33,30 @@ QByteArray firstWord(const QByteArray& line) {
     return line.split(' ').first();
 }
 
-} // namespace
-
-MeasurementServer::MeasurementServer(std::uint32_t seed, QObject* parent)
-    : QObject(parent), m_server(new QTcpServer(this)), m_instrument(seed),
-      m_clock(secondsFromNow()) {
-    connect(m_server, &QTcpServer::newConnection, this, &MeasurementServer::acceptConnections);
+// Faults that strike also a command that has no reply.
+bool needsNoReply(Fault fault) {
+    return fault == Fault::CloseConnection || fault == Fault::Garbage;
 }
 
-// The sockets would otherwise report their end to a half-destroyed object.
+} // namespace
+
+// Hands on the sockets as they are.
+class MeasurementServer::Listener : public QTcpServer {
+public:
+    explicit Listener(MeasurementServer& server) : QTcpServer(&server), m_server(server) {}
+
+protected:
+    void incomingConnection(qintptr descriptor) override { m_server.addConnection(descriptor); }
+
+private:
+    MeasurementServer& m_server;
+};
+
+MeasurementServer::MeasurementServer(std::uint32_t seed, QObject* parent)
+    : QObject(parent), m_server(new Listener(*this)), m_instrument(seed),
+      m_clock(secondsFromNow()) {}
+
+// The connections would otherwise report their end to a half-destroyed object.
 MeasurementServer::~MeasurementServer() {
     blockSignals(true);
     close();
@@ -54,9 +70,9 @@ bool MeasurementServer::listen(quint16 port) {
 
 void MeasurementServer::close() {
     m_server->close();
-    const auto sockets = m_pending.keys();
-    for (QTcpSocket* socket : sockets)
-        socket->abort();
+    const auto connections = m_connections;
+    for (Connection* connection : connections)
+        connection->close();
 }
 
 bool MeasurementServer::isListening() const {
@@ -67,55 +83,116 @@ quint16 MeasurementServer::port() const {
     return m_server->serverPort();
 }
 
-void MeasurementServer::acceptConnections() {
-    while (QTcpSocket* socket = m_server->nextPendingConnection()) {
-        m_pending.insert(socket, QByteArray());
-        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { readRequests(socket); });
-        connect(socket, &QTcpSocket::disconnected, this, [this, socket] { forget(socket); });
-        emit connectionsChanged(connectionCount());
-    }
+void MeasurementServer::setFault(const FaultRule& rule) {
+    m_faults.clear();
+    addFault(QString(), rule);
 }
 
-void MeasurementServer::forget(QTcpSocket* socket) {
-    m_pending.remove(socket);
-    socket->deleteLater();
+void MeasurementServer::addFault(const QString& name, const FaultRule& rule) {
+    m_faults.erase(name);
+    m_faults.emplace(name, ActiveFault(rule));
+    readAllRequests();
+}
+
+void MeasurementServer::clearFault(const QString& name) {
+    m_faults.erase(name);
+    readAllRequests();
+}
+
+void MeasurementServer::addConnection(qintptr descriptor) {
+    auto* const connection = new Connection(descriptor, this);
+    m_connections.append(connection);
+    connect(connection, &Connection::arrived, this,
+            [this, connection] { readRequests(connection); });
+    connect(connection, &Connection::ended, this, [this, connection] { forget(connection); });
     emit connectionsChanged(connectionCount());
 }
 
-// Requests may come in pieces or several at once.
-void MeasurementServer::readRequests(QTcpSocket* socket) {
-    m_pending[socket] += socket->readAll();
-    // A request, or whoever is told of it, may end the connection.
-    while (m_pending.contains(socket)) {
-        QByteArray& pending = m_pending[socket];
-        const int end = pending.indexOf('\n');
-        if (end < 0 && pending.size() <= longestRequest)
-            return;
-        const QByteArray line = end < 0 ? pending : pending.left(end);
-        pending = end < 0 ? QByteArray() : pending.mid(end + 1);
-        handle(socket, line);
-    }
+void MeasurementServer::forget(Connection* connection) {
+    m_connections.removeOne(connection);
+    connection->deleteLater();
+    emit connectionsChanged(connectionCount());
 }
 
-void MeasurementServer::handle(QTcpSocket* socket, const QByteArray& line) {
+// What a fault that has ended now has held up.
+void MeasurementServer::readAllRequests() {
+    m_hung = false;
+    const auto connections = m_connections;
+    for (Connection* connection : connections)
+        readRequests(connection);
+}
+
+// Requests may come in pieces or several at once.
+void MeasurementServer::readRequests(Connection* connection) {
+    // A request, or whoever is told of it, may end the connection.
+    while (connection->isOpen() && !m_hung) {
+        QByteArray& input = connection->input();
+        const int end = input.indexOf('\n');
+        if (end < 0 && input.size() <= longestRequest)
+            break;
+        const QByteArray line = end < 0 ? input : input.left(end);
+        if (hangsAt(line))
+            return;
+        input = end < 0 ? QByteArray() : input.mid(end + 1);
+        handle(connection, line);
+    }
+    if (connection->inputEnded() && !m_hung)
+        connection->closeWhenSent();
+}
+
+bool MeasurementServer::hangsAt(const QByteArray& line) {
+    for (auto& [name, fault] : m_faults) {
+        if (fault.rule().fault == Fault::Hang && fault.isAbout(firstWord(line))) {
+            m_hung = true;
+            emit faultStruck(name, line);
+        }
+    }
+    return m_hung;
+}
+
+void MeasurementServer::handle(Connection* connection, const QByteArray& line) {
+    const QByteArray command = firstWord(line);
     const QByteArray own = m_instrument.answer(line, m_clock());
     emit requestReceived(line);
-    if (!m_pending.contains(socket))
+    if (!connection->isOpen())
         return;
-    send(socket, spoiled(m_replies.value(firstWord(line), own), m_fault));
+    const QByteArray reply = m_replies.value(command, own);
+    QVector<ActiveFault*> striking;
+    for (auto& [name, fault] : m_faults) {
+        if (fault.strikes(command) && (!reply.isEmpty() || needsNoReply(fault.rule().fault))) {
+            striking.append(&fault);
+            emit faultStruck(name, line);
+        }
+    }
+    answer(connection, reply, striking);
 }
 
-void MeasurementServer::send(QTcpSocket* socket, const QByteArray& reply) {
-    if (m_fault == Fault::CloseConnection) {
-        socket->disconnectFromHost();
+void MeasurementServer::answer(Connection* connection, QByteArray reply,
+                               const QVector<ActiveFault*>& faults) {
+    const auto rule = [&faults](Fault kind) {
+        const auto it =
+            std::find_if(faults.begin(), faults.end(),
+                         [kind](const ActiveFault* fault) { return fault->rule().fault == kind; });
+        return it == faults.end() ? nullptr : &(*it)->rule();
+    };
+    for (ActiveFault* fault : faults)
+        reply = fault->spoil(reply);
+    if (rule(Fault::CloseConnection) != nullptr)
+        return connection->closeWhenSent();
+    if (reply.isEmpty() || rule(Fault::Silent) != nullptr)
         return;
+    const FaultRule* const late = rule(Fault::Late);
+    const FaultRule* const pieces = rule(Fault::Pieces);
+    const auto delay = late != nullptr ? late->delay : std::chrono::milliseconds(0);
+    if (pieces != nullptr) {
+        const int half = reply.size() / 2;
+        connection->sendLater(reply.mid(half), delay + pieces->delay);
+        reply.truncate(half);
     }
-    if (reply.isEmpty() || m_fault == Fault::Silent)
-        return;
-    if (m_fault == Fault::Late)
-        QTimer::singleShot(lateReplyMs, socket, [socket, reply] { socket->write(reply); });
+    if (late != nullptr)
+        connection->sendLater(reply, delay);
     else
-        socket->write(reply);
+        connection->send(reply);
 }
 
 } // namespace server

@@ -7,15 +7,18 @@
 #include <QHash>
 #include <QObject>
 #include <QString>
+#include <QVector>
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <utility>
 
 class QTcpServer;
-class QTcpSocket;
 
 namespace server {
+
+class Connection;
 
 // The measurement server of the virtual instrument: answers docs/protocol.md on 127.0.0.1.
 //
@@ -40,7 +43,7 @@ public:
     bool isListening() const;
     // The port listened on; 0 while not listening.
     quint16 port() const;
-    int connectionCount() const { return m_pending.size(); }
+    int connectionCount() const { return m_connections.size(); }
 
     // The back door of tests and scripts.
 
@@ -49,16 +52,20 @@ public:
     // DATA? reports these values, whether a run is active or not, until cleared.
     void setFixedSample(const Sample& sample) { m_instrument.setFixedSample(sample); }
     void clearFixedSample() { m_instrument.setFixedSample(std::nullopt); }
-    // How replies go wrong from now on.
-    void setFault(Fault fault) { m_fault = fault; }
-    Fault fault() const { return m_fault; }
+    // How replies go wrong from now on: in this way only.
+    void setFault(Fault fault) { setFault(faultRule(fault)); }
+    void setFault(const FaultRule& rule);
+    // The same beside other faults, under a name of the caller's choice, until cleared.
+    void addFault(const QString& name, const FaultRule& rule);
+    void clearFault(const QString& name);
     // Answers every request whose first word is `command` ("DATA?", "START") with `reply` as it
-    // stands, empty for none; the command is carried out all the same. A fault applies on top.
+    // stands, empty for none; the command is carried out all the same. Faults apply on top.
     void setReply(const QByteArray& command, const QByteArray& reply) {
         m_replies[command] = reply;
     }
     void clearReply(const QByteArray& command) { m_replies.remove(command); }
-    // Where the time comes from, in seconds; at first the seconds since construction.
+    // Where the time comes from, in seconds; at first the seconds since construction. It only
+    // decides whether a sample is complete, not what it holds.
     void setClock(std::function<double()> clock) { m_clock = std::move(clock); }
 
     bool isRunning() const { return m_instrument.isRunning(); }
@@ -70,21 +77,29 @@ signals:
     // A whole request has arrived, without its line feed; sent before the reply is.
     void requestReceived(QByteArray line);
     void connectionsChanged(int count);
+    // The fault of that name does something to this request.
+    void faultStruck(QString name, QByteArray request);
 
 private:
-    void acceptConnections();
-    void readRequests(QTcpSocket* socket);
-    void handle(QTcpSocket* socket, const QByteArray& line);
-    void send(QTcpSocket* socket, const QByteArray& reply);
-    void forget(QTcpSocket* socket);
+    class Listener;
+    using Faults = std::map<QString, ActiveFault>;
 
-    QTcpServer* m_server;
-    QHash<QTcpSocket*, QByteArray> m_pending; // what has arrived of the next request
+    void addConnection(qintptr descriptor);
+    void forget(Connection* connection);
+    void readRequests(Connection* connection);
+    void readAllRequests();
+    bool hangsAt(const QByteArray& line);
+    void handle(Connection* connection, const QByteArray& line);
+    void answer(Connection* connection, QByteArray reply, const QVector<ActiveFault*>& faults);
+
+    QTcpServer* m_server; // owned as a child
+    QVector<Connection*> m_connections;
     QString m_errorString;
     Instrument m_instrument;
     std::function<double()> m_clock;
     QHash<QByteArray, QByteArray> m_replies;
-    Fault m_fault = Fault::None;
+    Faults m_faults; // by name
+    bool m_hung = false;
 };
 
 } // namespace server

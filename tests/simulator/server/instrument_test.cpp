@@ -10,6 +10,7 @@
 namespace {
 
 using server::Instrument;
+using server::Params;
 using server::Sample;
 using testing::Each;
 using testing::ElementsAre;
@@ -74,7 +75,8 @@ TEST_F(InstrumentTest, DefaultLevelsGiveFourCountsThatDifferClearly) {
 
 TEST_F(InstrumentTest, CountsChangeFromSampleToSample) {
     instrument.answer("START 0.5", 0.0);
-    EXPECT_NE(sample(1.0), sample(1.5));
+    const Sample first = sample(1.0);
+    EXPECT_NE(sample(1.5), first);
 }
 
 TEST_F(InstrumentTest, CountsGrowWithTheTimeConstant) {
@@ -84,31 +86,88 @@ TEST_F(InstrumentTest, CountsGrowWithTheTimeConstant) {
     EXPECT_NEAR(sample(40.0)[0], 100000.0, 1600.0);
 }
 
-TEST_F(InstrumentTest, RaisingATriggerLevelLowersItsCounts) {
+TEST_F(InstrumentTest, TriggerLevelsAreThoseOfTheSamplesEnd) {
+    Instrument other{1};
+    other.answer("START 0.5", 0.0);
     instrument.answer("START 0.5", 0.0);
-    const Sample before = sample(1.0);
-    instrument.answer("DAC 1,0.25", 1.0);
-    const Sample after = sample(1.0);
-    EXPECT_LT(after[1], before[1]);
-    EXPECT_EQ(after[1], before[2]); // the same pulses over the same level
-    EXPECT_EQ(after[0], before[0]);
+    instrument.answer("DAC 1,0.25", 0.4);
+    const Sample raised = sample(0.5);
+    const QJsonObject asEver = QJsonDocument::fromJson(other.answer("DATA?", 0.5)).object();
+    EXPECT_EQ(raised[0], asEver.value(QStringLiteral("Channel0")).toDouble());
+    EXPECT_LT(raised[1], asEver.value(QStringLiteral("Channel1")).toDouble());
+    EXPECT_EQ(raised[1], raised[2]); // the same pulses over the same level
+}
+
+// --- samples
+
+TEST_F(InstrumentTest, SampleIsCompleteWhenItsTimeConstantHasPassed) {
+    instrument.answer("START 0.5", 10.0);
+    EXPECT_THAT(sample(10.0), Each(0.0));
+    EXPECT_THAT(sample(10.4), Each(0.0)); // the values before the run
+    const Sample first = sample(10.5);
+    EXPECT_NEAR(first[0], 5000.0, 400.0);
+    EXPECT_EQ(sample(10.9), first);
+    EXPECT_NE(sample(11.0), first);
+}
+
+// The panel's timers count whole milliseconds.
+TEST_F(InstrumentTest, SampleIsCompleteInTheMillisecondInWhichItsTimePasses) {
+    instrument.answer("START 0.0105", 0.0);
+    EXPECT_NE(sample(0.010)[0], 0.0);
+}
+
+TEST_F(InstrumentTest, WhoAsksLateGetsTheNextSampleAllTheSame) {
+    Instrument punctual{1};
+    punctual.answer("START 0.5", 0.0);
+    instrument.answer("START 0.5", 0.0);
+    for (int i = 1; i <= 5; ++i)
+        EXPECT_EQ(instrument.answer("DATA?", 1.7 * i), punctual.answer("DATA?", 0.5 * i));
+}
+
+TEST_F(InstrumentTest, NewTimeConstantBeginsASampleAnew) {
+    instrument.answer("START 0.5", 0.0);
+    const Sample first = sample(0.5);
+    instrument.answer("START 0.25", 0.9);
+    EXPECT_EQ(sample(1.1), first);
+    EXPECT_NEAR(sample(1.15)[0], 2500.0, 250.0);
+}
+
+TEST_F(InstrumentTest, RunsGoOnWithThePulsesOfTheOneBefore) {
+    Instrument other{1};
+    for (Instrument* one : {&instrument, &other})
+        one->answer("START 0.5", 0.0);
+    sample(0.5);
+    other.answer("DATA?", 0.5);
+    instrument.answer("STOP", 0.6);
+    instrument.answer("START 0.5", 100.0);
+    EXPECT_EQ(instrument.answer("DATA?", 100.5), other.answer("DATA?", 1.0));
+}
+
+TEST_F(InstrumentTest, SenselessTimeConstantsCountNothing) {
+    instrument.answer("START 0.5", 0.0);
+    for (const double timeConst : {0.0, -1.0}) {
+        Params params = instrument.params();
+        params.timeConst = timeConst;
+        instrument.setParams(params);
+        EXPECT_THAT(sample(1.0), Each(0.0));
+    }
 }
 
 TEST_F(InstrumentTest, RisingLevelsNeverCountMore) {
     instrument.answer("START 0.5", 0.0);
     for (int i = 1; i <= 50; ++i) {
-        const Sample counts = sample(0.1 * i);
+        const Sample counts = sample(0.5 * i);
         EXPECT_GE(counts[0], counts[1]);
         EXPECT_GE(counts[1], counts[2]);
         EXPECT_GE(counts[2], counts[3]);
     }
 }
 
-TEST_F(InstrumentTest, StopFreezesTheCounts) {
+TEST_F(InstrumentTest, StopKeepsTheLastCompleteSample) {
     instrument.answer("START 0.5", 0.0);
-    instrument.answer("STOP", 1.0);
-    const Sample frozen = sample(1.0);
+    const Sample frozen = sample(0.5);
     EXPECT_GT(frozen[0], 0.0);
+    instrument.answer("STOP", 1.5);
     instrument.answer("DAC 0,5", 1.5);
     EXPECT_EQ(sample(2.0), frozen);
     EXPECT_FALSE(instrument.isRunning());

@@ -28,6 +28,10 @@ public:
         }
         return m_process.readLine().trimmed().toStdString();
     }
+    std::string errorLine() {
+        m_process.setReadChannel(QProcess::StandardError);
+        return line();
+    }
     int exitStatus() {
         EXPECT_TRUE(m_process.waitForFinished(patienceMs));
         return m_process.exitCode();
@@ -89,7 +93,27 @@ TEST_P(MeasurementServerProgramUsageTest, WrongUsageEndsItWithStatusTwo) {
 
 INSTANTIATE_TEST_SUITE_P(, MeasurementServerProgramUsageTest,
                          testing::Values(QStringList{"--port", "65536"},
-                                         QStringList{"--seed", "many"},
-                                         QStringList{"--fault", "all"}));
+                                         QStringList{"--seed", "many"}));
+
+TEST(MeasurementServerProgramTest, WrongOptionsAndFaultsEndItWithStatusTwo) {
+    for (const QStringList& arguments : {QStringList{"--nonsense"}, QStringList{"--fault", "all"},
+                                         QStringList{"--fault", "late 5"}}) {
+        Program program(arguments);
+        EXPECT_EQ(program.exitStatus(), 2);
+        EXPECT_THAT(program.errors(), HasSubstr(arguments.constFirst().mid(2).toStdString()));
+    }
+}
+
+TEST(MeasurementServerProgramTest, SaysWhenItsFaultStrikes) {
+    Program program({"--port", "0", "--fault", "silent for DATA?"});
+    const QString listening = QString::fromStdString(program.line());
+    QTcpSocket client;
+    client.connectToHost(QHostAddress::LocalHost, listening.section(':', 1).toUShort());
+    ASSERT_TRUE(client.waitForConnected(patienceMs));
+    client.write("DATA?\nSTART 1\n");
+    ASSERT_TRUE(client.waitForReadyRead(patienceMs));
+    EXPECT_EQ(client.readAll(), "Ok\n");
+    EXPECT_EQ(program.errorLine(), "measurementserver: fault silent strikes \"DATA?\"");
+}
 
 } // namespace
