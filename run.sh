@@ -39,9 +39,9 @@ build() { # preset target...
     fi
 }
 if [ "$preset" = release ]; then
-    build release panelsim frontpanel
+    build release panelsim frontpanel measurementserver
 else
-    build release panelsim
+    build release panelsim measurementserver
     build "$preset" frontpanel
     packaging/fetch-preload.sh "$preset" "build/$preset/bin"
 fi
