@@ -91,7 +91,7 @@ QString help() {
         help += usage.leftJustified(column) + text.replace('\n', indent) + '\n';
     }
     return help + QStringLiteral("\n  FAULT is one of\n    %1\n")
-                      .arg(server::faultNames().join(QStringLiteral(", ")));
+                      .arg(server::faultNames().join(QStringLiteral("\n    ")));
 }
 
 } // namespace panel::script
