@@ -67,6 +67,14 @@ std::uint32_t Controller::peek32(std::uint32_t address) const {
 }
 
 std::vector<std::string> Controller::textOnPanel() const {
+    std::vector<std::string> texts;
+    for (PlacedText& placed : placedTextOnPanel()) {
+        texts.push_back(std::move(placed.text));
+    }
+    return texts;
+}
+
+std::vector<PlacedText> Controller::placedTextOnPanel() const {
     return stringsOf(generation(), frame());
 }
 

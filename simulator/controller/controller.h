@@ -2,6 +2,7 @@
 
 #include "frame.h"
 #include "generation.h"
+#include "placedtext.h"
 #include "rowloops.h"
 
 #include <cstddef>
@@ -87,6 +88,7 @@ public:
     // Text of the strings on the panel, top to bottom, left to right; a run of characters of one
     // font on one line is one string.
     std::vector<std::string> textOnPanel() const;
+    std::vector<PlacedText> placedTextOnPanel() const; // the same, and where they stand
     // How often the host has read REG_TOUCH_TAG, and its value at the last read.
     std::uint32_t touchTagReads() const;
     std::uint8_t lastTouchTagRead() const;

@@ -1,4 +1,5 @@
 #include "display.h"
+#include "fontrom.h"
 #include "host.h"
 
 #include <gmock/gmock.h>
@@ -146,6 +147,27 @@ TEST_F(DisplayTest, TextOnThePanelIsGroupedIntoStrings) {
          V{cmd::text, pair(10, 20), pair(30, 0)} + words("above") +
          V{cmd::text, pair(10, 20), pair(30, 0)} + words("above"));
     EXPECT_THAT(host.chip.textOnPanel(), testing::ElementsAre("above", "two words", "right of it"));
+}
+
+TEST_F(DisplayTest, TextOnThePanelHasAPlace) {
+    show(V{0x26000007, cmd::text, pair(100, 60), pair(26, 0)} + words("  1 2 "));
+    const std::vector<controller::PlacedText> texts = host.chip.placedTextOnPanel();
+    ASSERT_EQ(texts.size(), 1U);
+    const controller::RomFont& font = controller::romFont(controller::Generation::E3, 26);
+    EXPECT_EQ(texts[0].text, "  1 2 ");
+    EXPECT_EQ(texts[0].x, 100 + 2 * font.widths[' ']);
+    EXPECT_EQ(texts[0].y, 60);
+    EXPECT_EQ(texts[0].width, font.widths['1'] + font.widths[' '] + font.widths['2']);
+    EXPECT_EQ(texts[0].height, static_cast<int>(font.height));
+}
+
+TEST_F(DisplayTest, TextInFontsOfAProgramsOwnHandlesHasNoSize) {
+    show(V{0x26000007, cmd::romFont, 3, 26, cmd::text, pair(100, 60), pair(3, 0)} + words("i"));
+    const std::vector<controller::PlacedText> texts = host.chip.placedTextOnPanel();
+    ASSERT_EQ(texts.size(), 1U);
+    EXPECT_EQ(texts[0].x, 100);
+    EXPECT_EQ(texts[0].width, 0);
+    EXPECT_EQ(texts[0].height, 0);
 }
 
 } // namespace
