@@ -214,14 +214,21 @@ QString helpText() {
            QStringLiteral("\nCommands of a script, one a line:\n%1").arg(script::help()) +
            QStringLiteral(
                "\n"
-               "  TEXT with blanks stands in quotation marks; a '*' in it stands for anything.\n"
-               "  A '#' begins a comment. Each wait, touch and screenshot may end with \"within "
-               "TIME\";\n"
-               "  without it, it may take 30s. Lines that look at frames (wait frames, swaps, "
-               "reads,\n"
-               "  text, quiet; expect text; screenshot) and follow each other miss no frame "
-               "between\n"
-               "  them. After the last line the application is killed.\n"
+               "  TEXT is the whole of what is meant, upper and lower case as they are; a '*' in "
+               "it\n"
+               "  stands for anything. With blanks or '#' it stands in quotation marks, where \\\" "
+               "and\n"
+               "  \\\\ stand for \" and \\. A '#' elsewhere begins a comment. PLACE is \"at X Y\", "
+               "a "
+               "pixel that\n"
+               "  the text covers, or \"in X Y WIDTH HEIGHT\", a box in which it stands wholly.\n"
+               "  Each wait, touch and screenshot may end with \"within TIME\"; without it, it may "
+               "take\n"
+               "  30s. Lines that look at frames (wait frames, swaps, reads, text, quiet; expect "
+               "text;\n"
+               "  screenshot) and follow each other miss no frame between them. After the last "
+               "line\n"
+               "  the application is killed.\n"
                "\nExit status:\n%1")
                .arg(exitStatusHelp());
 }

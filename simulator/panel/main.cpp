@@ -27,6 +27,13 @@ int finish(ExitStatus status, const QString& message) {
     return static_cast<int>(status);
 }
 
+int finishAll(ExitStatus status, const QStringList& messages) {
+    for (const QString& message : messages) {
+        finish(status, message);
+    }
+    return static_cast<int>(status);
+}
+
 // Before there is an application object, which needs to know.
 bool hasDisplay() {
     const char* const variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
@@ -46,7 +53,7 @@ panel::script::Script readScript(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         panel::script::Script script;
-        script.error =
+        script.errors +=
             QStringLiteral("cannot read the script %1: %2").arg(path, file.errorString());
         return script;
     }
@@ -130,8 +137,8 @@ int main(int argc, char* argv[]) {
     panel::script::Script script;
     if (!settings.script.isEmpty()) {
         script = readScript(settings.script);
-        if (!script.error.isEmpty()) {
-            return finish(ExitStatus::ScriptError, script.error);
+        if (!script.errors.isEmpty()) {
+            return finishAll(ExitStatus::ScriptError, script.errors);
         }
     }
     return run(settings, script, headless);

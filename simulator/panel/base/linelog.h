@@ -18,7 +18,8 @@ public:
     // passed, and passes it.
     bool take(const QString& pattern);
 
-    QStringList since() const { return m_lines; } // the last mark
+    QStringList since() const { return m_lines; }                   // the last mark
+    QStringList notPassed() const { return m_lines.mid(m_passed); } // what take() would look at
 
     int count() const { return m_forgotten + m_lines.size(); } // since the start
 

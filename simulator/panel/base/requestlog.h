@@ -10,6 +10,7 @@ public:
     using LineLog::add;
     using LineLog::count;
     using LineLog::mark;
+    using LineLog::notPassed;
     using LineLog::take;
 
     // Since the last mark; polls for data come and go with the time, so they can be left out.

@@ -1,7 +1,9 @@
 #include "pictures.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
+#include <QImageReader>
 
 #include <cstring>
 
@@ -15,8 +17,14 @@ QString fileIn(const QString& directory, const QString& name, const char* suffix
     return QDir(directory).filePath(name + QString::fromLatin1(suffix));
 }
 
-bool write(const QImage& image, const QString& directory, const QString& file) {
-    return QDir().mkpath(directory) && image.save(file, "PNG");
+// Whether the whole of it has reached the file.
+bool write(const QImage& image, const QString& directory, const QString& path) {
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    QFile file(path);
+    return QDir().mkpath(directory) && image.save(&png, "PNG") &&
+           file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+           file.write(png.data()) == png.size();
 }
 
 PictureStore::Outcome written(const QImage& image, const QString& directory, const QString& file,
@@ -28,6 +36,33 @@ PictureStore::Outcome written(const QImage& image, const QString& directory, con
                     .arg(file)};
     }
     return {result, file};
+}
+
+QString readError(const QString& file) {
+    QImageReader reader(file);
+    reader.read();
+    return reader.errorString();
+}
+
+// "3 pixels, in the box 10 20 5 1 (X Y WIDTH HEIGHT), where the panel shows "Ok""
+QString whereTheyDiffer(const PictureDifference& difference, const std::vector<PanelText>& texts) {
+    const QRect& box = difference.box;
+    QString where = QStringLiteral("%1 pixels, in the box %2 %3 %4 %5 (X Y WIDTH HEIGHT)")
+                        .arg(difference.pixels)
+                        .arg(box.x())
+                        .arg(box.y())
+                        .arg(box.width())
+                        .arg(box.height());
+    QStringList there;
+    for (const PanelText& text : texts) {
+        if (text.box.intersects(box)) {
+            there += '"' + text.text + '"';
+        }
+    }
+    if (!there.isEmpty()) {
+        where += QStringLiteral(", where the panel shows ") + there.join(QStringLiteral(", "));
+    }
+    return where;
 }
 
 QRgb paled(QRgb colour) {
@@ -48,13 +83,19 @@ QImage toImage(const controller::Picture& picture) {
     return image;
 }
 
-QImage differenceOf(const QImage& expected, const QImage& actual) {
-    QImage difference(expected.size().expandedTo(actual.size()), QImage::Format_RGB32);
-    for (int y = 0; y < difference.height(); ++y) {
-        for (int x = 0; x < difference.width(); ++x) {
+PictureDifference differenceOf(const QImage& expected, const QImage& actual) {
+    PictureDifference difference;
+    difference.image = QImage(expected.size().expandedTo(actual.size()), QImage::Format_RGB32);
+    for (int y = 0; y < difference.image.height(); ++y) {
+        for (int x = 0; x < difference.image.width(); ++x) {
             const bool inBoth = expected.valid(x, y) && actual.valid(x, y);
-            const bool same = inBoth && expected.pixel(x, y) == actual.pixel(x, y);
-            difference.setPixel(x, y, same ? paled(expected.pixel(x, y)) : differenceColour);
+            if (inBoth && expected.pixel(x, y) == actual.pixel(x, y)) {
+                difference.image.setPixel(x, y, paled(expected.pixel(x, y)));
+                continue;
+            }
+            difference.image.setPixel(x, y, differenceColour);
+            difference.box |= QRect(x, y, 1, 1);
+            ++difference.pixels;
         }
     }
     return difference;
@@ -65,14 +106,16 @@ void PictureStore::compareWith(const QString& directory, bool renew) {
     m_renew = renew;
 }
 
-PictureStore::Outcome PictureStore::take(const QString& name, const QImage& image) const {
+PictureStore::Outcome PictureStore::take(const QString& name, const QImage& image,
+                                         const std::vector<PanelText>& texts) const {
     if (m_stored.isEmpty()) {
         return written(image, m_directory, fileIn(m_directory, name, ".png"), Result::Kept);
     }
     if (m_renew) {
+        forgetDifference(name);
         return written(image, m_stored, fileIn(m_stored, name, ".png"), Result::Renewed);
     }
-    return compare(name, image);
+    return compare(name, image, texts);
 }
 
 PictureStore::Outcome PictureStore::takeNumbered(const QImage& image) const {
@@ -84,31 +127,64 @@ PictureStore::Outcome PictureStore::takeNumbered(const QImage& image) const {
     return written(image, m_directory, file, Result::Kept);
 }
 
-PictureStore::Outcome PictureStore::compare(const QString& name, const QImage& image) const {
+PictureStore::Outcome PictureStore::takeFailed(const QString& name, const QImage& image) const {
+    return written(image, m_directory, fileIn(m_directory, name, ".failed.png"), Result::Kept);
+}
+
+void PictureStore::forgetFailed(const QString& pattern) const {
+    QDir directory(m_directory);
+    for (const QString& file :
+         directory.entryList({pattern + QStringLiteral(".failed.png")}, QDir::Files)) {
+        directory.remove(file);
+    }
+}
+
+void PictureStore::forgetDifference(const QString& name) const {
+    QFile::remove(fileIn(m_directory, name, ".actual.png"));
+    QFile::remove(fileIn(m_directory, name, ".difference.png"));
+}
+
+PictureStore::Outcome PictureStore::compare(const QString& name, const QImage& image,
+                                            const std::vector<PanelText>& texts) const {
     const QString storedFile = fileIn(m_stored, name, ".png");
     const QImage stored = QImage(storedFile).convertToFormat(QImage::Format_RGB32);
-    if (!stored.isNull() && stored == image) {
+    forgetDifference(name);
+    if (stored.isNull()) {
+        return withoutStored(name, image, storedFile);
+    }
+    if (stored == image) {
         return {Result::Equal, storedFile};
     }
     const QString actualFile = fileIn(m_directory, name, ".actual.png");
-    Outcome actual = written(image, m_directory, actualFile, Result::Missing);
+    Outcome actual = written(image, m_directory, actualFile, Result::Different);
     if (actual.result == Result::NotWritten) {
         return actual;
     }
-    if (stored.isNull()) {
-        return {Result::Missing, QStringLiteral("there is no stored picture %1; the actual one is "
-                                                "%2 (--renew stores it)")
-                                     .arg(storedFile, actualFile)};
-    }
+    const PictureDifference difference = differenceOf(stored, image);
     const QString differenceFile = fileIn(m_directory, name, ".difference.png");
-    Outcome difference =
-        written(differenceOf(stored, image), m_directory, differenceFile, Result::Different);
-    if (difference.result == Result::NotWritten) {
-        return difference;
+    Outcome outcome = written(difference.image, m_directory, differenceFile, Result::Different);
+    if (outcome.result != Result::NotWritten) {
+        outcome.text =
+            QStringLiteral("the picture differs from %1 in %2; see %3 and %4 (--renew "
+                           "stores it)")
+                .arg(storedFile, whereTheyDiffer(difference, texts), actualFile, differenceFile);
     }
-    return {Result::Different,
-            QStringLiteral("the picture differs from %1; see %2 and %3 (--renew stores it)")
-                .arg(storedFile, actualFile, differenceFile)};
+    return outcome;
+}
+
+PictureStore::Outcome PictureStore::withoutStored(const QString& name, const QImage& image,
+                                                  const QString& stored) const {
+    const QString actualFile = fileIn(m_directory, name, ".actual.png");
+    const bool exists = QFileInfo::exists(stored);
+    Outcome outcome =
+        written(image, m_directory, actualFile, exists ? Result::Unreadable : Result::Missing);
+    if (outcome.result != Result::NotWritten) {
+        outcome.text = (exists ? QStringLiteral("the stored picture %1 is damaged (%2)")
+                                     .arg(stored, readError(stored))
+                               : QStringLiteral("there is no stored picture %1").arg(stored)) +
+                       QStringLiteral("; the actual one is %1 (--renew stores it)").arg(actualFile);
+    }
+    return outcome;
 }
 
 } // namespace panel

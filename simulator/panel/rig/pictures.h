@@ -1,5 +1,6 @@
 #pragma once
 
+#include "panelcontent.h"
 #include "picture.h"
 
 #include <QImage>
@@ -12,16 +13,21 @@ namespace panel {
 // A copy of the panel's picture, pixel for pixel.
 QImage toImage(const controller::Picture& picture);
 
-// Red where the two differ, `expected` paled elsewhere; as large as both together.
-QImage differenceOf(const QImage& expected, const QImage& actual);
+// Where two pictures differ.
+struct PictureDifference {
+    QImage image;   // red where they differ, `expected` paled elsewhere; as large as both together
+    int pixels = 0; // that differ
+    QRect box;      // around these
+};
+PictureDifference differenceOf(const QImage& expected, const QImage& actual);
 
 // Where screenshots go and what they are compared with. Files are NAME.png, 480 x 272.
 class PictureStore {
 public:
-    enum class Result { Kept, Equal, Renewed, Different, Missing, NotWritten };
+    enum class Result { Kept, Equal, Renewed, Different, Missing, Unreadable, NotWritten };
     struct Outcome {
         Result result = Result::Kept;
-        QString text; // for the user: which files, what is wrong
+        QString text; // for the user: which files, what is wrong and where
     };
 
     // Pictures are written into `directory`, which is created when the first one is.
@@ -29,15 +35,25 @@ public:
 
     // From now on pictures are compared with the stored ones in `directory`, exactly. One that
     // differs leaves NAME.actual.png and NAME.difference.png in the screenshots' directory, one
-    // without stored picture NAME.actual.png. `renew`: stored pictures are written instead.
+    // without stored picture (or with one that is damaged) NAME.actual.png; those of an earlier
+    // time go when the picture is equal. `renew`: stored pictures are written instead.
     void compareWith(const QString& directory, bool renew);
 
-    Outcome take(const QString& name, const QImage& image) const;
+    // `texts` are those on it, to tell which of them are where the pictures differ.
+    Outcome take(const QString& name, const QImage& image,
+                 const std::vector<PanelText>& texts = {}) const;
+    // Keeps it as NAME.failed.png, and compares nothing.
+    Outcome takeFailed(const QString& name, const QImage& image) const;
+    // Removes pictures that were kept with names like this, in which '*' stands for anything.
+    void forgetFailed(const QString& pattern) const;
     // Keeps it as screenshot-N.png with the first N that is free, and compares nothing.
     Outcome takeNumbered(const QImage& image) const;
 
 private:
-    Outcome compare(const QString& name, const QImage& image) const;
+    Outcome compare(const QString& name, const QImage& image,
+                    const std::vector<PanelText>& texts) const;
+    Outcome withoutStored(const QString& name, const QImage& image, const QString& stored) const;
+    void forgetDifference(const QString& name) const;
 
     QString m_directory;
     QString m_stored; // empty: nothing is compared

@@ -1,5 +1,7 @@
 #include "framesequence.h"
 
+#include "pictures.h"
+
 namespace panel {
 
 void FrameSequence::start(std::vector<script::FrameStepPtr> steps,
@@ -28,9 +30,12 @@ void FrameSequence::frameScanned(const controller::Controller& controller) {
 
 void FrameSequence::play(const controller::Controller& controller) {
     while (m_current < m_steps.size()) {
-        const Event event{m_current, m_steps[m_current]->look(view(controller))};
+        Event event{m_current, m_steps[m_current]->look(view(controller))};
         if (!event.outcome.ended) {
             return;
+        }
+        if (!event.outcome.failure.isEmpty()) {
+            event.failedPicture = toImage(controller.frame().picture);
         }
         m_report(event);
         if (!event.outcome.failure.isEmpty()) {

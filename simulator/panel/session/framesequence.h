@@ -15,6 +15,7 @@ public:
     struct Event {
         std::size_t step = 0;         // which one has ended
         script::FrameOutcome outcome; // after a failure the sequence has ended, too
+        QImage failedPicture = {};    // of the frame that has failed
     };
     // Called with the module locked, on whichever thread brought it on.
     using Report = std::function<void(const Event&)>;

@@ -2,6 +2,7 @@
 
 #include "command.h"
 #include "fault.h"
+#include "ordercheck.h"
 
 #include <algorithm>
 
@@ -63,6 +64,7 @@ std::optional<Statement> parseStatement(ScriptLine& line) {
 
 Script parse(const QString& text, const QString& name) {
     Script script;
+    OrderCheck order;
     const QStringList lines = text.split('\n');
     for (int i = 0; i < lines.size(); ++i) {
         ScriptLine line(lines[i]);
@@ -71,11 +73,15 @@ Script parse(const QString& text, const QString& name) {
         }
         std::optional<Statement> statement = parseStatement(line);
         if (!line.error().isEmpty()) {
-            script.error = QStringLiteral("%1:%2: %3").arg(name).arg(i + 1).arg(line.error());
-            return script;
+            script.errors += QStringLiteral("%1:%2: %3").arg(name).arg(i + 1).arg(line.error());
+            continue;
         }
         statement->line = i + 1;
         statement->text = lines[i].trimmed();
+        const QString senseless = order.mistakeIn(*statement);
+        if (!senseless.isEmpty()) {
+            script.errors += QStringLiteral("%1:%2: %3").arg(name).arg(i + 1).arg(senseless);
+        }
         script.statements.push_back(*std::move(statement));
     }
     return script;
@@ -88,7 +94,8 @@ QString help() {
     for (const Command& command : allCommands()) {
         const QString usage = QStringLiteral("  %1 %2").arg(command.name, command.arguments);
         QString text = QString::fromLatin1(command.help);
-        help += usage.leftJustified(column) + text.replace('\n', indent) + '\n';
+        help += usage.size() < column ? usage.leftJustified(column) : usage + indent;
+        help += text.replace('\n', indent) + '\n';
     }
     return help + QStringLiteral("\n  FAULT is one of\n    %1\n")
                       .arg(server::faultNames().join(QStringLiteral("\n    ")));

@@ -3,6 +3,7 @@
 #include "action.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <vector>
@@ -22,7 +23,7 @@ struct Statement {
 
 struct Script {
     std::vector<Statement> statements;
-    QString error; // empty, or "NAME:LINE: what is wrong; how to mend it"
+    QStringList errors; // all mistakes, each "NAME:LINE: what is wrong; how to mend it"
 };
 
 // `name` is what error messages call the script.

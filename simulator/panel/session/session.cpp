@@ -3,6 +3,8 @@
 #include "applicationcommands.h"
 #include "waitcommands.h"
 
+#include <QFileInfo>
+
 #include <cstdio>
 
 namespace panel {
@@ -32,6 +34,7 @@ Session::~Session() {
 
 void Session::start() {
     m_started = true;
+    m_rig.pictures().forgetFailed(failedPictureName(QStringLiteral("*")));
     m_timeLimit.start();
     play();
 }
@@ -67,27 +70,55 @@ void Session::leaveStatement() {
 void Session::checkLimit() {
     if (!isOver() && current().action->takesLimit() &&
         m_sinceEntry.hasExpired(current().limit.count())) {
-        fail(QStringLiteral("not within %1 ms").arg(current().limit.count()));
+        const QString instead = current().action->instead(*this);
+        fail(QStringLiteral("not within %1 ms").arg(current().limit.count()) +
+             (instead.isEmpty() ? QString() : QStringLiteral("; ") + instead));
     }
 }
 
 void Session::endScript() {
-    if (m_pictureFailure.isEmpty()) {
+    if (m_pictureFailures.isEmpty()) {
         end(ExitStatus::Success, {});
     } else {
-        end(ExitStatus::PictureDiffers, m_pictureFailure);
+        end(ExitStatus::PictureDiffers,
+            QStringLiteral("%1: pictures that are not as stored: %2")
+                .arg(m_name, m_pictureFailures.join(QStringLiteral(", "))));
     }
 }
 
-void Session::fail(const QString& why, ExitStatus status) {
-    if (m_current < m_statements.size()) {
-        end(status, QStringLiteral("%1:%2: %3: %4")
-                        .arg(m_name)
-                        .arg(current().line)
-                        .arg(current().text, why));
-    } else {
-        end(status, why);
+QString Session::atCurrentLine(const QString& what) const {
+    if (m_current == m_statements.size()) {
+        return QStringLiteral("%1: at its end: %2").arg(m_name, what);
     }
+    return QStringLiteral("%1:%2: %3: %4")
+        .arg(m_name)
+        .arg(current().line)
+        .arg(current().text, what);
+}
+
+void Session::fail(const QString& why, ExitStatus status) {
+    fail(why, status, toImage(m_rig.module().picture()));
+}
+
+void Session::fail(const QString& why, ExitStatus status, const QImage& picture) {
+    if (!isOver()) {
+        end(status, atCurrentLine(why) + keepFailedPicture(picture));
+    }
+}
+
+QString Session::failedPictureName(const QString& line) const {
+    return QFileInfo(m_name).completeBaseName() + QStringLiteral("-line-") + line;
+}
+
+// A remark where it is.
+QString Session::keepFailedPicture(const QImage& picture) const {
+    const bool atEnd = m_current == m_statements.size();
+    const QString line = atEnd ? QStringLiteral("end") : QString::number(current().line);
+    const PictureStore::Outcome outcome =
+        m_rig.pictures().takeFailed(failedPictureName(line), picture);
+    return outcome.result == PictureStore::Result::Kept
+               ? QStringLiteral("; what the panel showed is in ") + outcome.text
+               : QStringLiteral("; ") + outcome.text;
 }
 
 void Session::end(ExitStatus status, const QString& message) {
@@ -119,7 +150,7 @@ void Session::frameStepEnded(const FrameSequence::Event& event) {
     }
     m_current = m_firstFrameStatement + event.step;
     if (!event.outcome.failure.isEmpty()) {
-        fail(event.outcome.failure);
+        fail(event.outcome.failure, ExitStatus::NotMet, event.failedPicture);
         return;
     }
     if (event.outcome.then) {
@@ -133,18 +164,18 @@ void Session::frameStepEnded(const FrameSequence::Event& event) {
     }
 }
 
-void Session::keepPicture(const QString& name, const QImage& image) {
-    const PictureStore::Outcome outcome = m_rig.pictures().take(name, image);
+void Session::keepPicture(const QString& name, const QImage& image,
+                          const std::vector<PanelText>& texts) {
+    const PictureStore::Outcome outcome = m_rig.pictures().take(name, image, texts);
     switch (outcome.result) {
     case PictureStore::Result::NotWritten:
         fail(outcome.text, ExitStatus::FileNotWritten);
         break;
     case PictureStore::Result::Different:
     case PictureStore::Result::Missing:
-        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(outcome.text));
-        if (m_pictureFailure.isEmpty()) {
-            m_pictureFailure = outcome.text;
-        }
+    case PictureStore::Result::Unreadable:
+        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(atCurrentLine(outcome.text)));
+        m_pictureFailures += name;
         break;
     case PictureStore::Result::Kept:
     case PictureStore::Result::Equal:

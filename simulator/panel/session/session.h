@@ -44,7 +44,8 @@ private:
         return std::chrono::milliseconds(m_sinceEntry.elapsed());
     }
     void fail(const QString& why, ExitStatus status = ExitStatus::NotMet) override;
-    void keepPicture(const QString& name, const QImage& image) override;
+    void keepPicture(const QString& name, const QImage& image,
+                     const std::vector<PanelText>& texts) override;
     void endScript() override;
     void playFrames() override;
 
@@ -54,6 +55,10 @@ private:
     void enterStatement();
     void leaveStatement();
     void checkLimit();
+    QString atCurrentLine(const QString& what) const;
+    QString failedPictureName(const QString& line) const;
+    void fail(const QString& why, ExitStatus status, const QImage& picture);
+    QString keepFailedPicture(const QImage& picture) const;
     void end(ExitStatus status, const QString& message);
     void frameStepEnded(const FrameSequence::Event& event);
     void applicationEnded();
@@ -73,7 +78,7 @@ private:
     bool m_over = false;
     QElapsedTimer m_sinceEntry;
     QTimer m_timeLimit;
-    QString m_pictureFailure; // the first
+    QStringList m_pictureFailures;
 };
 
 } // namespace panel

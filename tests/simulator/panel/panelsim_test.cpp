@@ -149,9 +149,42 @@ TEST_F(Panelsim, KeepsTheTimeLimit) {
 TEST_F(Panelsim, TellsAWaitThatIsNotMet) {
     const Outcome ended = play("wait text Nothing within 100ms\n", "exec sleep 100");
     EXPECT_EQ(ended.status, 5);
-    expectContains(ended.error, "wait text Nothing within 100ms: not within 100 ms");
+    expectContains(ended.error, "session.txt:1: wait text Nothing within 100ms: not within 100 ms; "
+                                "the panel shows nothing; what the panel showed is in ");
+    EXPECT_EQ(QImage(path("shots/session-line-1.failed.png")).size(), QSize(480, 272));
     EXPECT_EQ(play("wait request STOP within 100ms\n", "exec sleep 100").status, 5);
     EXPECT_EQ(play("tap 10 10 within 100ms\n", "exec sleep 100").status, 5);
+}
+
+TEST_F(Panelsim, TellsWhatThereWasInsteadOfWhatWasAwaited) {
+    const QByteArray application = "echo one; echo two; exec sleep 100";
+    expectContains(play("wait log two\nwait log on within 100ms\n", application).error,
+                   "not within 100 ms; written since the last \"wait log\" or \"mark\": nothing");
+    expectContains(play("wait log tow within 500ms\n", application).error,
+                   R"("mark": "two", "one")");
+    expectContains(play("wait request STOP within 100ms\n", application).error,
+                   R"(asked since the last "wait request" or "mark": nothing)");
+    expectContains(play("wait connection within 100ms\n", application).error,
+                   "the server is switched off");
+    expectContains(play("tap 10 10 within 100ms\n", application).error,
+                   "the application has not noticed");
+    expectContains(play("wait reads 1 within 100ms\n", application).error,
+                   "the application reads the touched tag too seldom or not at all");
+}
+
+TEST_F(Panelsim, ThePictureOfAFailureGoesWithTheNextRun) {
+    const QString picture = path("shots/session-line-1.failed.png");
+    play("expect text Ok\n", "exec sleep 100");
+    EXPECT_TRUE(QFile::exists(picture));
+    play("end\n", "exec sleep 100");
+    EXPECT_FALSE(QFile::exists(picture));
+}
+
+TEST_F(Panelsim, TellsEveryMistakeOfAScript) {
+    const Outcome ended = play("tap here\nend\nmove 1 2\n", "exit 0");
+    EXPECT_EQ(ended.status, 3);
+    expectContains(ended.error, "session.txt:1: X must be a whole number");
+    expectContains(ended.error, "session.txt:3: the finger is not down");
 }
 
 TEST_F(Panelsim, TellsAnExpectationThatIsNotMet) {
@@ -253,6 +286,14 @@ TEST_F(Panelsim, TellsWhenAFileCannotBeWritten) {
         8);
 }
 
+TEST_F(Panelsim, TellsWhenAPictureDoesNotFitOnTheDisk) {
+    QDir().mkpath(path("shots"));
+    ASSERT_TRUE(QFile::link("/dev/full", path("shots/a.png")));
+    const Outcome ended = play("screenshot a now\n", "exec sleep 100");
+    EXPECT_EQ(ended.status, 8);
+    expectContains(ended.error, "session.txt:1: screenshot a now: cannot write the picture ");
+}
+
 // Sends a host command that there is none, twice, so that the end of the first is seen for sure.
 constexpr const char* sendNonsense =
     "exec " BOARD_PROGRAM " init open CS1 PD1 CS0 'send=z  ' CS1 CS0 'send=z  ' CS1";
@@ -284,7 +325,8 @@ TEST_F(Panelsim, ScreenshotsAreComparedWithStoredPictures) {
     const QStringList compare{"--no-server", "--compare", path("stored")};
     const Outcome missing = play(script, "exec sleep 100", compare);
     EXPECT_EQ(missing.status, 7);
-    expectContains(missing.error, "there is no stored picture");
+    expectContains(missing.error, "session.txt:1: screenshot dark now: there is no stored picture");
+    expectContains(missing.error, "session.txt: pictures that are not as stored: dark");
 
     EXPECT_EQ(play(script, "exec sleep 100", compare + QStringList{"--renew"}).status, 0);
     EXPECT_EQ(QImage(path("stored/dark.png")).size(), QSize(480, 272));

@@ -2,6 +2,7 @@
 
 #include "controller.h"
 #include "exitstatus.h"
+#include "panelcontent.h"
 
 #include <QImage>
 #include <QString>
@@ -37,7 +38,8 @@ public:
     // Ends the session; the message begins with the current line.
     virtual void fail(const QString& why, ExitStatus status = ExitStatus::NotMet) = 0;
     // Keeps or compares the picture; one that differs ends the session only after its last line.
-    virtual void keepPicture(const QString& name, const QImage& image) = 0;
+    virtual void keepPicture(const QString& name, const QImage& image,
+                             const std::vector<PanelText>& texts) = 0;
     virtual void endScript() = 0;
 
     // Hands the current frame step, and those that follow it, over to the frames.
@@ -58,6 +60,8 @@ public:
 
     // Whether it waits for something, so that its line may say "within TIME".
     virtual bool takesLimit() const { return false; }
+    // What there is instead of what it waits for, for the message when its time is over.
+    virtual QString instead(Stage& /*stage*/) const { return {}; }
 };
 
 using ActionPtr = std::shared_ptr<const Action>;

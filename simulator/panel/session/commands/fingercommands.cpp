@@ -1,6 +1,7 @@
 #include "fingercommands.h"
 
 #include "heldtouch.h"
+#include "rig.h"
 
 namespace panel::script {
 
@@ -42,6 +43,13 @@ void Finger::begin(Stage& stage) const {
     } else {
         stage.finger().touch(x, y);
     }
+}
+
+QString Finger::instead(Stage& stage) const {
+    return stage.rig().application().isRunning()
+               ? QStringLiteral("the application has not noticed: it does not read the touched tag "
+                                "(with \"now\", press, move and release do not wait for it)")
+               : QStringLiteral("no application is running that could notice");
 }
 
 Progress Finger::play(Stage& stage) const {

@@ -13,6 +13,7 @@ struct Finger : Action {
     Finger(Kind what, int toX, int toY, bool atOnce) : kind(what), x(toX), y(toY), now(atOnce) {}
     Progress play(Stage& stage) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const Kind kind;
     const int x; // panel pixels; none for Release

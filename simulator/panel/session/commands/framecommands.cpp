@@ -2,11 +2,9 @@
 
 #include "pictures.h"
 #include "registers.h"
-#include "textpattern.h"
+#include "rig.h"
 
 #include <QRegularExpression>
-
-#include <algorithm>
 
 namespace panel::script {
 
@@ -16,17 +14,20 @@ std::uint32_t read(const controller::Controller& controller, controller::Registe
     return controller.peek32(controller::registerInfo(id).address(controller.generation()));
 }
 
-QStringList textsOnPanel(const controller::Controller& controller) {
-    QStringList texts;
-    for (const std::string& text : controller.textOnPanel()) {
-        texts += QString::fromLatin1(text.data(), static_cast<int>(text.size())).trimmed();
+// What keeps the panel from being quiet.
+QString whatIsPending(Stage& stage) {
+    const auto& module = stage.rig().module();
+    const std::int32_t commands = module.registerValue(controller::Register::CmdRead);
+    QStringList pending;
+    if (commands != module.registerValue(controller::Register::CmdWrite)) {
+        pending += QStringLiteral("the coprocessor has not done all commands (it is at %1 of the "
+                                  "ring)")
+                       .arg(commands);
     }
-    return texts;
-}
-
-bool anyMatches(const QString& pattern, const QStringList& texts) {
-    return std::any_of(texts.begin(), texts.end(),
-                       [&pattern](const QString& text) { return matchesPattern(pattern, text); });
+    if (module.registerValue(controller::Register::DlSwap) != 0) {
+        pending += QStringLiteral("a display list waits to be shown");
+    }
+    return pending.join(QStringLiteral(", "));
 }
 
 ActionPtr parseScreenshot(ScriptLine& line) {
@@ -52,16 +53,16 @@ const CommandTable& frameCommands() {
         {"wait reads", [](ScriptLine& l) { return make<WaitReads>(takeCount(l)); }, "N",
          "until the application has read the touched tag N more\n"
          "times; with 2 it has drawn all it had to"},
-        {"wait text", [](ScriptLine& l) { return make<WaitText>(takePattern(l), true); }, "TEXT",
-         "until the panel shows TEXT"},
-        {"wait no-text", [](ScriptLine& l) { return make<WaitText>(takePattern(l), false); },
-         "TEXT", "until the panel does not show TEXT"},
+        {"wait text", [](ScriptLine& l) { return make<WaitText>(takeSoughtText(l), true); },
+         "TEXT [PLACE]", "until the panel shows TEXT"},
+        {"wait no-text", [](ScriptLine& l) { return make<WaitText>(takeSoughtText(l), false); },
+         "TEXT [PLACE]", "until the panel does not show TEXT"},
         {"wait quiet", [](ScriptLine& /*line*/) { return make<WaitQuiet>(); }, "",
          "until the coprocessor is idle and no swap is pending"},
-        {"expect text", [](ScriptLine& l) { return make<ExpectText>(takePattern(l), true); },
-         "TEXT", "the frame at hand shows TEXT"},
-        {"expect no-text", [](ScriptLine& l) { return make<ExpectText>(takePattern(l), false); },
-         "TEXT", "the frame at hand does not show TEXT"},
+        {"expect text", [](ScriptLine& l) { return make<ExpectText>(takeSoughtText(l), true); },
+         "TEXT [PLACE]", "the frame at hand shows TEXT"},
+        {"expect no-text", [](ScriptLine& l) { return make<ExpectText>(takeSoughtText(l), false); },
+         "TEXT [PLACE]", "the frame at hand does not show TEXT"},
         {"screenshot", parseScreenshot, "NAME [now]",
          "keep NAME.png of the first quiet frame, or \"now\":\n"
          "of the very frame the line before ended with"},
@@ -81,32 +82,48 @@ FrameOutcome WaitReads::look(const FrameView& view) const {
     return {view.touchTagReads >= count};
 }
 
+QString WaitReads::instead(Stage& stage) const {
+    return stage.rig().application().isRunning()
+               ? QStringLiteral("the application reads the touched tag too seldom or not at all")
+               : QStringLiteral("no application is running");
+}
+
 FrameOutcome WaitText::look(const FrameView& view) const {
-    return {showsText(view.controller, pattern) == present};
+    return {text.among(textsOn(view.controller)).empty() != present};
+}
+
+QString WaitText::instead(Stage& stage) const {
+    return text.listOf(stage.rig().module().locked(textsOn));
 }
 
 FrameOutcome WaitQuiet::look(const FrameView& view) const {
     return {isQuiet(view.controller)};
 }
 
+QString WaitQuiet::instead(Stage& stage) const {
+    return whatIsPending(stage);
+}
+
 FrameOutcome ExpectText::look(const FrameView& view) const {
-    if (showsText(view.controller, pattern) == present) {
+    const std::vector<PanelText> texts = textsOn(view.controller);
+    if (text.among(texts).empty() != present) {
         return {true};
     }
-    return {true, QStringLiteral("the panel shows: \"%1\"")
-                      .arg(textsOnPanel(view.controller).join(QStringLiteral("\", \"")))};
+    return {true, text.listOf(texts)};
 }
 
 FrameOutcome Screenshot::look(const FrameView& view) const {
     if (!now && !isQuiet(view.controller)) {
         return {};
     }
-    const QImage picture = toImage(view.controller.frame().picture);
-    return {true, {}, [picture, file = name](Stage& stage) { stage.keepPicture(file, picture); }};
+    const auto keep = [picture = toImage(view.controller.frame().picture),
+                       texts = textsOn(view.controller),
+                       file = name](Stage& stage) { stage.keepPicture(file, picture, texts); };
+    return {true, {}, keep};
 }
 
-bool showsText(const controller::Controller& controller, const QString& pattern) {
-    return anyMatches(pattern, textsOnPanel(controller));
+QString Screenshot::instead(Stage& stage) const {
+    return whatIsPending(stage);
 }
 
 bool isQuiet(const controller::Controller& controller) {

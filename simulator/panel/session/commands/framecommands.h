@@ -1,6 +1,7 @@
 #pragma once
 
 #include "command.h"
+#include "soughttext.h"
 
 namespace panel::script {
 
@@ -27,29 +28,32 @@ struct WaitReads : FrameStep { // until the application has read the touch tag s
     explicit WaitReads(std::uint32_t number) : count(number) {}
     FrameOutcome look(const FrameView& view) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const std::uint32_t count;
 };
 
 struct WaitText : FrameStep { // until a frame shows (or does not show) a text
-    WaitText(QString text, bool shown) : pattern(std::move(text)), present(shown) {}
+    WaitText(SoughtText what, bool shown) : text(std::move(what)), present(shown) {}
     FrameOutcome look(const FrameView& view) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
-    const QString pattern;
+    const SoughtText text;
     const bool present;
 };
 
 struct WaitQuiet : FrameStep { // until the coprocessor is idle and no swap is pending
     FrameOutcome look(const FrameView& view) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 };
 
 struct ExpectText : FrameStep { // the frame at hand shows (or does not show) a text
-    ExpectText(QString text, bool shown) : pattern(std::move(text)), present(shown) {}
+    ExpectText(SoughtText what, bool shown) : text(std::move(what)), present(shown) {}
     FrameOutcome look(const FrameView& view) const override;
 
-    const QString pattern;
+    const SoughtText text;
     const bool present;
 };
 
@@ -57,13 +61,11 @@ struct Screenshot : FrameStep {
     Screenshot(QString fileName, bool atOnce) : name(std::move(fileName)), now(atOnce) {}
     FrameOutcome look(const FrameView& view) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const QString name; // of the file, without ".png"
     const bool now;     // of the frame at hand, otherwise of the first quiet one
 };
-
-// Whether one of the strings on the panel, blanks at its ends left out, is `pattern`.
-bool showsText(const controller::Controller& controller, const QString& pattern);
 
 // Whether the coprocessor has done all it was given and no swap is pending.
 bool isQuiet(const controller::Controller& controller);

@@ -17,14 +17,24 @@ ActionPtr parseServerValues(ScriptLine& line) {
     return make<ServerValues>(values);
 }
 
+// The first words of all requests.
+QStringList commandWords() {
+    return {QStringLiteral("PARAMS?"), QStringLiteral("DATA?"), QStringLiteral("START"),
+            QStringLiteral("STOP"), QStringLiteral("DAC")};
+}
+
 ActionPtr parseServerReply(ScriptLine& line) {
-    const QByteArray command = line.word(QStringLiteral("the command")).toUtf8();
+    const QString command = line.word(QStringLiteral("the command"));
+    if (line.error().isEmpty() && !commandWords().contains(command)) {
+        line.fail(QStringLiteral("the server knows no command \"%1\"; it knows %2")
+                      .arg(command, commandWords().join(QStringLiteral(", "))));
+    }
     std::optional<QByteArray> reply;
     if (!line.optional(QStringLiteral("default"))) {
         const QString text = line.word(QStringLiteral("the reply"));
         reply = text.isEmpty() ? QByteArray("") : text.toUtf8() + '\n';
     }
-    return make<ServerReply>(command, reply);
+    return make<ServerReply>(command.toUtf8(), reply);
 }
 
 ActionPtr parseServerParams(ScriptLine& line) {

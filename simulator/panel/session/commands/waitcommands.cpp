@@ -1,5 +1,6 @@
 #include "waitcommands.h"
 
+#include "nearest.h"
 #include "rig.h"
 
 namespace panel::script {
@@ -54,12 +55,29 @@ Progress WaitRequest::play(Stage& stage) const {
     return doneIf(stage.rig().requests().take(pattern));
 }
 
+QString WaitRequest::instead(Stage& stage) const {
+    return QStringLiteral("asked since the last \"wait request\" or \"mark\": ") +
+           listNearestFirst(pattern, stage.rig().requests().notPassed());
+}
+
 Progress WaitLog::play(Stage& stage) const {
     return doneIf(stage.rig().log().take(pattern));
 }
 
+QString WaitLog::instead(Stage& stage) const {
+    return QStringLiteral("written since the last \"wait log\" or \"mark\": ") +
+           listNearestFirst(pattern, stage.rig().log().notPassed());
+}
+
 Progress WaitConnection::play(Stage& stage) const {
     return doneIf((stage.rig().server().connections() > 0) == connected);
+}
+
+QString WaitConnection::instead(Stage& stage) const {
+    ServerThread& server = stage.rig().server();
+    return server.isListening()
+               ? QStringLiteral("the server has %1 clients").arg(server.connections())
+               : QStringLiteral("the server is switched off");
 }
 
 Progress WaitExit::play(Stage& stage) const {

@@ -24,6 +24,7 @@ struct WaitRequest : Action { // until the server has got one since the last wai
     explicit WaitRequest(QString text) : pattern(std::move(text)) {}
     Progress play(Stage& stage) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const QString pattern;
 };
@@ -32,6 +33,7 @@ struct WaitLog : Action { // until the application has written a line since the 
     explicit WaitLog(QString text) : pattern(std::move(text)) {}
     Progress play(Stage& stage) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const QString pattern;
 };
@@ -40,6 +42,7 @@ struct WaitConnection : Action { // until the server has (or has no) client
     explicit WaitConnection(bool there) : connected(there) {}
     Progress play(Stage& stage) const override;
     bool takesLimit() const override { return true; }
+    QString instead(Stage& stage) const override;
 
     const bool connected;
 };

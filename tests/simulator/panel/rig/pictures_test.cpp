@@ -97,5 +97,61 @@ TEST_F(Pictures, SaysWhenAPictureCannotBeWritten) {
     EXPECT_TRUE(outcome.text.contains("cannot write")) << outcome.text.toStdString();
 }
 
+TEST_F(Pictures, ADifferenceSaysHowManyPixelsWhereAndInWhichTexts) {
+    m_store.compareWith(path("stored"), true);
+    m_store.take("a", picture(0xFF808080));
+    m_store.compareWith(path("stored"), false);
+    QImage other = picture(0xFF808080);
+    other.setPixel(7, 9, 0xFF808081);
+    other.setPixel(11, 12, 0xFF808081);
+
+    const PictureStore::Outcome outcome =
+        m_store.take("a", other, {{"1234", {10, 10, 40, 20}}, {"Ok", {100, 10, 40, 20}}});
+
+    EXPECT_TRUE(outcome.text.contains("in 2 pixels, in the box 7 9 5 4 (X Y WIDTH HEIGHT), where "
+                                      "the panel shows \"1234\"; see "))
+        << outcome.text.toStdString();
+}
+
+TEST_F(Pictures, OldDifferencesGoWhenThePictureIsEqualOrRenewed) {
+    m_store.compareWith(path("stored"), true);
+    m_store.take("a", picture(0xFF808080));
+    for (const bool renewed : {false, true}) {
+        m_store.compareWith(path("stored"), false);
+        m_store.take("a", picture(0xFF000000));
+        ASSERT_EQ(filesIn("shots").size(), 2);
+        m_store.compareWith(path("stored"), renewed);
+        m_store.take("a", picture(0xFF808080));
+        EXPECT_EQ(filesIn("shots"), QStringList()) << renewed;
+    }
+}
+
+TEST_F(Pictures, ADamagedStoredPictureIsCalledDamaged) {
+    QDir().mkpath(path("stored"));
+    QFile file(path("stored/a.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("no picture");
+    file.close();
+    m_store.compareWith(path("stored"), false);
+    const PictureStore::Outcome outcome = m_store.take("a", picture(0xFF808080));
+    EXPECT_EQ(outcome.result, PictureStore::Result::Unreadable);
+    EXPECT_TRUE(outcome.text.contains("a.png is damaged (")) << outcome.text.toStdString();
+    EXPECT_EQ(filesIn("shots"), QStringList({"a.actual.png"}));
+}
+
+TEST_F(Pictures, APictureThatDoesNotFitOnTheDiskIsNotWritten) {
+    QDir().mkpath(path("shots"));
+    ASSERT_TRUE(QFile::link("/dev/full", path("shots/a.png")));
+    EXPECT_EQ(m_store.take("a", picture(0xFF808080)).result, PictureStore::Result::NotWritten);
+}
+
+TEST_F(Pictures, ThoseOfFailuresAreKeptUntilForgotten) {
+    m_store.takeFailed("tour-line-3", picture(0xFF808080));
+    m_store.takeFailed("other-line-3", picture(0xFF808080));
+    m_store.take("tour-line-3", picture(0xFF808080));
+    m_store.forgetFailed("tour-line-*");
+    EXPECT_EQ(filesIn("shots"), QStringList({"other-line-3.failed.png", "tour-line-3.png"}));
+}
+
 } // namespace
 } // namespace panel

@@ -3,6 +3,7 @@
 #include "host.h"
 #include "pictures.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace panel {
@@ -22,6 +23,10 @@ Words listSaying(const char* text, const Words& more = {}) {
            controllertest::words(text) + more + Words{display, cmd::swap};
 }
 
+script::SoughtText text(const char* pattern) {
+    return {QString::fromLatin1(pattern)};
+}
+
 template<typename Kind, typename... Arguments>
 script::FrameStepPtr step(Arguments... arguments) {
     return std::make_shared<const Kind>(std::move(arguments)...);
@@ -37,11 +42,16 @@ public:
     void fail(const QString& why, ExitStatus /*status*/) override {
         throw std::logic_error(why.toStdString());
     }
-    void keepPicture(const QString& /*name*/, const QImage& image) override { picture = image; }
+    void keepPicture(const QString& /*name*/, const QImage& image,
+                     const std::vector<PanelText>& onIt) override {
+        picture = image;
+        texts = onIt;
+    }
     void endScript() override {}
     void playFrames() override {}
 
     QImage picture;
+    std::vector<PanelText> texts;
 };
 
 QImage pictureOf(const FrameSequence::Event& event) {
@@ -98,7 +108,7 @@ TEST_F(FrameSequenceTest, TellsWhichStepHasEnded) {
 }
 
 TEST_F(FrameSequenceTest, WaitsForText) {
-    play({step<script::WaitText>(QStringLiteral("Ready*"), true)});
+    play({step<script::WaitText>(text("Ready*"), true)});
     m_host.send(listSaying("Not yet"));
     m_host.waitFrames(3);
     EXPECT_EQ(stepsEnded(), 0U);
@@ -110,7 +120,7 @@ TEST_F(FrameSequenceTest, WaitsForText) {
 TEST_F(FrameSequenceTest, WaitsForTextToVanish) {
     m_host.send(listSaying("Busy"));
     m_host.waitFrames(3);
-    play({step<script::WaitText>(QStringLiteral("Busy"), false)});
+    play({step<script::WaitText>(text("Busy"), false)});
     EXPECT_EQ(stepsEnded(), 0U);
     m_host.send(listSaying("Done"));
     m_host.waitFrames(3);
@@ -120,8 +130,8 @@ TEST_F(FrameSequenceTest, WaitsForTextToVanish) {
 TEST_F(FrameSequenceTest, IsContentAtOnceWithWhatIsShownAlready) {
     m_host.send(listSaying("Here"));
     m_host.waitFrames(3);
-    play({step<script::WaitText>(QStringLiteral("Here"), true), step<script::WaitQuiet>(),
-          step<script::ExpectText>(QStringLiteral("Here"), true)});
+    play({step<script::WaitText>(text("Here"), true), step<script::WaitQuiet>(),
+          step<script::ExpectText>(text("Here"), true)});
     EXPECT_EQ(stepsEnded(), 3U);
 }
 
@@ -153,18 +163,57 @@ TEST_F(FrameSequenceTest, AScreenshotWaitsUntilASwapIsMade) {
     EXPECT_EQ(stepsEnded(), 0U) << "the swap is still pending";
     m_host.waitFrames(3);
     ASSERT_EQ(stepsEnded(), 1U);
-    EXPECT_TRUE(script::showsText(m_host.chip, QStringLiteral("New")));
+    EXPECT_EQ(textsOn(m_host.chip).at(0).text, "New");
     EXPECT_EQ(pictureOf(m_events[0]), toImage(m_host.chip.frame().picture));
 }
 
 TEST_F(FrameSequenceTest, AnUnmetExpectationEndsIt) {
     m_host.send(listSaying("Here"));
     m_host.waitFrames(3);
-    play({step<script::ExpectText>(QStringLiteral("There"), true), step<script::WaitFrames>(1)});
+    play({step<script::ExpectText>(text("There"), true), step<script::WaitFrames>(1)});
     m_host.waitFrames(3);
     ASSERT_EQ(stepsEnded(), 1U);
     EXPECT_EQ(m_events[0].step, 0U);
-    EXPECT_EQ(m_events[0].outcome.failure, "the panel shows: \"Here\"");
+    EXPECT_EQ(m_events[0].outcome.failure, "the panel shows \"Here\"");
+}
+
+TEST_F(FrameSequenceTest, AFailureComesWithThePictureOfItsFrame) {
+    m_host.send(listSaying("Here"));
+    m_host.waitFrames(3);
+    const QImage shown = toImage(m_host.chip.frame().picture);
+    play({step<script::ExpectText>(text("Here"), false)});
+    m_host.send(listSaying("Later"));
+    m_host.waitFrames(3);
+    ASSERT_EQ(stepsEnded(), 1U);
+    EXPECT_EQ(m_events[0].failedPicture, shown);
+}
+
+TEST_F(FrameSequenceTest, ATextIsExpectedAtItsPlace) {
+    m_host.send(listSaying("2"));
+    m_host.waitFrames(3);
+    script::SoughtText there = text("2");
+    there.at = QPoint(12, 15);
+    script::SoughtText elsewhere = text("2");
+    elsewhere.at = QPoint(112, 15);
+    play({step<script::ExpectText>(there, true), step<script::ExpectText>(elsewhere, false),
+          step<script::ExpectText>(elsewhere, true)});
+    ASSERT_EQ(stepsEnded(), 3U);
+    EXPECT_EQ(m_events[1].outcome.failure, "");
+    EXPECT_THAT(m_events[2].outcome.failure.toStdString(),
+                testing::StartsWith("the panel shows \"2\"; there is \"2\" at 1"));
+}
+
+TEST_F(FrameSequenceTest, ATextIsExpectedWhollyInABox) {
+    m_host.send(listSaying("12345"));
+    m_host.waitFrames(3);
+    script::SoughtText wide = text("1*5");
+    wide.in = QRect(5, 5, 100, 40);
+    script::SoughtText narrow = text("1*5");
+    narrow.in = QRect(5, 5, 30, 40);
+    play({step<script::ExpectText>(wide, true), step<script::ExpectText>(narrow, false),
+          step<script::WaitFrames>(1U)});
+    m_host.waitFrames(2);
+    EXPECT_EQ(stepsEnded(), 3U);
 }
 
 TEST_F(FrameSequenceTest, SaysNothingMoreAfterStop) {
@@ -177,7 +226,7 @@ TEST_F(FrameSequenceTest, SaysNothingMoreAfterStop) {
 TEST_F(FrameSequenceTest, CatchesAnExactFrameOfAnAnimationHoweverTimePasses) {
     const Words animated = listSaying("Wait", {cmd::spinner, pair(236, 196), pair(3, 1)});
     const std::vector<script::FrameStepPtr> steps{
-        step<script::WaitText>(QStringLiteral("Wait"), true), step<script::WaitSwaps>(5),
+        step<script::WaitText>(text("Wait"), true), step<script::WaitSwaps>(5),
         step<script::Screenshot>(QStringLiteral("a"), true)};
     play(steps);
     m_host.send(animated);

@@ -22,21 +22,28 @@ Script parsed(const char* text) {
 }
 
 std::string errorOf(const char* text) {
-    return parsed(text).error.toStdString();
+    return parsed(text).errors.join('\n').toStdString();
 }
 
-// The action of the script's only line, which must be one of kind T.
+// The action of the script's last line, which must be one of kind T.
 template<typename T>
-std::shared_ptr<const T> only(const char* text) {
+std::shared_ptr<const T> last(const char* text) {
     const Script script = parsed(text);
-    EXPECT_EQ(script.error.toStdString(), "");
-    const auto action = script.statements.size() == 1
-                            ? std::dynamic_pointer_cast<const T>(script.statements[0].action)
-                            : nullptr;
+    EXPECT_EQ(script.errors.join('\n').toStdString(), "");
+    const auto action = script.statements.empty()
+                            ? nullptr
+                            : std::dynamic_pointer_cast<const T>(script.statements.back().action);
     if (!action) {
-        throw std::runtime_error(std::string("not one statement of the wanted kind: ") + text);
+        throw std::runtime_error(std::string("no statement of the wanted kind: ") + text);
     }
     return action;
+}
+
+// The same of its only line.
+template<typename T>
+std::shared_ptr<const T> only(const char* text) {
+    EXPECT_EQ(parsed(text).statements.size(), 1U) << text;
+    return last<T>(text);
 }
 
 TEST(Script, WaitsForTimeFramesAndSwaps) {
@@ -49,7 +56,7 @@ TEST(Script, WaitsForTimeFramesAndSwaps) {
 }
 
 TEST(Script, WaitsForTextAndItsEnd) {
-    EXPECT_EQ(only<WaitText>("wait text \"COUNTER MODE\"")->pattern, "COUNTER MODE");
+    EXPECT_EQ(only<WaitText>("wait text \"COUNTER MODE\"")->text.pattern, "COUNTER MODE");
     EXPECT_TRUE(only<WaitText>("wait text 12")->present);
     EXPECT_FALSE(only<WaitText>("wait no-text \"Please wait\"")->present);
 }
@@ -73,10 +80,10 @@ TEST(Script, MovesTheFinger) {
     EXPECT_EQ(press->x, 479);
     EXPECT_EQ(press->y, 271);
     EXPECT_FALSE(press->now);
-    EXPECT_TRUE(only<Finger>("move 10 20 now")->now);
-    EXPECT_EQ(only<Finger>("move 10 20")->kind, Finger::Kind::Move);
-    EXPECT_EQ(only<Finger>("release")->kind, Finger::Kind::Release);
-    EXPECT_TRUE(only<Finger>("release now")->now);
+    EXPECT_TRUE(last<Finger>("press 1 2\nmove 10 20 now")->now);
+    EXPECT_EQ(last<Finger>("press 1 2\nmove 10 20")->kind, Finger::Kind::Move);
+    EXPECT_EQ(last<Finger>("press 1 2\nrelease")->kind, Finger::Kind::Release);
+    EXPECT_TRUE(last<Finger>("press 1 2\nrelease now")->now);
     EXPECT_EQ(only<Finger>("tap 0 0")->kind, Finger::Kind::Tap);
 }
 
@@ -151,7 +158,7 @@ TEST(Script, LimitsWaitsOnRequest) {
 }
 
 TEST(Script, QuotedTextMayHoldAnything) {
-    EXPECT_EQ(only<WaitText>(R"(wait text "a \"b\" # \\ c")")->pattern, R"(a "b" # \ c)");
+    EXPECT_EQ(only<WaitText>(R"(wait text "a \"b\" # \\ c")")->text.pattern, R"(a "b" # \ c)");
     EXPECT_EQ(errorOf("end\nwait text \"open"),
               "s.txt:2: a quotation mark is not closed; end the text with \"");
 }
@@ -198,9 +205,47 @@ TEST(Script, SaysWhichWordsThereAre) {
               "s.txt:1: a picture's name has letters, digits, '-', '_' and '.' only, not \"../a\"");
 }
 
-TEST(Script, StopsAtTheFirstMistake) {
-    EXPECT_EQ(errorOf("tap x y\nnonsense"),
-              "s.txt:1: X must be a whole number from 0 to 479, not \"x\"");
+TEST(Script, TellsEveryMistake) {
+    EXPECT_EQ(parsed("tap x y\nwait quiet\nnonsense\nwait time 1").errors.size(), 3);
+    EXPECT_EQ(errorOf("tap x y\nwait quiet\nwait time 1"),
+              "s.txt:1: X must be a whole number from 0 to 479, not \"x\"\n"
+              "s.txt:3: TIME must be a time such as 500ms or 2s, not \"1\"");
+}
+
+TEST(Script, AFingerGoesDownOnceAndUpOnce) {
+    EXPECT_EQ(errorOf("press 1 2\nmove 3 4\nrelease\ntap 1 2\npress 5 6\nrelease now"), "");
+    EXPECT_EQ(errorOf("press 1 2\npress 3 4"),
+              "s.txt:2: the finger is down since line 1; \"release\" it first, or \"move\" it");
+    EXPECT_THAT(errorOf("press 1 2\nwait quiet\ntap 3 4"),
+                StartsWith("s.txt:3: the finger is down since line 1; "));
+    EXPECT_EQ(errorOf("move 1 2"), "s.txt:1: the finger is not down; \"press\" first");
+    EXPECT_EQ(errorOf("tap 1 2\nrelease"), "s.txt:2: the finger is not down; \"press\" first");
+}
+
+TEST(Script, PicturesHaveDifferentNames) {
+    EXPECT_EQ(errorOf("screenshot a\nscreenshot b now"), "");
+    EXPECT_EQ(errorOf("screenshot a\nend\nscreenshot a"),
+              "s.txt:3: the picture of line 1 has the name \"a\", too; give each its own");
+}
+
+TEST(Script, RepliesAreToRequestsThatThereAre) {
+    for (const char* word : {"PARAMS?", "DATA?", "START", "STOP", "DAC"}) {
+        EXPECT_EQ(errorOf((std::string("server reply ") + word + " Ok").c_str()), "") << word;
+    }
+    EXPECT_EQ(errorOf("server reply DATA Ok"),
+              "s.txt:1: the server knows no command \"DATA\"; it knows PARAMS?, DATA?, START, "
+              "STOP, DAC");
+}
+
+TEST(Script, TextsMayHaveAPlace) {
+    const auto anywhere = only<ExpectText>("expect text 2");
+    EXPECT_FALSE(anywhere->text.at || anywhere->text.in);
+    EXPECT_EQ(only<ExpectText>("expect text 2 at 30 40")->text.at, QPoint(30, 40));
+    EXPECT_EQ(only<WaitText>("wait no-text 2 in 30 40 100 50")->text.in, QRect(30, 40, 100, 50));
+    EXPECT_EQ(only<WaitText>("wait text at at 1 2 within 3s")->text.pattern, "at");
+    EXPECT_EQ(errorOf("wait text 2 at 30"), "s.txt:1: Y is missing");
+    EXPECT_EQ(errorOf("wait text 2 in 1 2 3"), "s.txt:1: HEIGHT is missing");
+    EXPECT_THAT(errorOf("wait text 2 in 1 2 0 4"), StartsWith("s.txt:1: WIDTH must be a whole"));
 }
 
 TEST(Script, AnEmptyScriptIsGood) {
@@ -262,8 +307,8 @@ TEST(Script, StatesHaveTwoWords) {
 
 TEST(Script, WithinIsALimitOnlyAfterAnotherWordAndBeforeTheLast) {
     EXPECT_THAT(errorOf("within 2s"), StartsWith("s.txt:1: there is no command \"within\""));
-    EXPECT_EQ(only<WaitText>("wait text within")->pattern, "within");
-    EXPECT_EQ(only<WaitText>("wait text within within 1s")->pattern, "within");
+    EXPECT_EQ(only<WaitText>("wait text within")->text.pattern, "within");
+    EXPECT_EQ(only<WaitText>("wait text within within 1s")->text.pattern, "within");
 }
 
 TEST(Script, LimitsWhateverWaits) {
@@ -272,7 +317,7 @@ TEST(Script, LimitsWhateverWaits) {
           "wait request a within 3s", "wait log a within 3s", "wait connection within 3s",
           "wait exit within 3s", "tap 1 2 within 3s"}) {
         const Script script = parsed(line);
-        ASSERT_EQ(script.statements.size(), 1U) << line << script.error.toStdString();
+        ASSERT_EQ(script.statements.size(), 1U) << line << script.errors.join('\n').toStdString();
         EXPECT_EQ(script.statements[0].limit.count(), 3000) << line;
     }
     for (const char* line : {"expect text a within 3s", "wait time 1s within 3s",
@@ -288,9 +333,9 @@ TEST(Script, PictureNamesStartWithALetterOrDigit) {
 }
 
 TEST(Script, QuotedTextMayBeEmptyAndHoldsItsBlanks) {
-    EXPECT_EQ(only<WaitText>("wait text \"\"")->pattern, "");
-    EXPECT_EQ(only<WaitText>("wait text \" a  b \"")->pattern, " a  b ");
-    EXPECT_EQ(only<WaitText>("wait text a\\\"b")->pattern, "a\\\"b"); // not a quotation
+    EXPECT_EQ(only<WaitText>("wait text \"\"")->text.pattern, "");
+    EXPECT_EQ(only<WaitText>("wait text \" a  b \"")->text.pattern, " a  b ");
+    EXPECT_EQ(only<WaitText>("wait text a\\\"b")->text.pattern, "a\\\"b"); // not a quotation
     EXPECT_EQ(errorOf("wait text \"open\\\""),
               "s.txt:1: a quotation mark is not closed; end the text with \"");
 }
