@@ -1,6 +1,6 @@
 #include "soak.h"
 
-#include "framecommands.h"
+#include "panelcontent.h"
 #include "pictures.h"
 
 #include <QCoreApplication>
@@ -100,7 +100,10 @@ bool Soak::startInstrument() {
     }
     const auto isShown = [this] {
         return m_rig->module().locked([](const controller::Controller& controller) {
-            return panel::script::showsText(controller, QStringLiteral("COUNTER MODE"));
+            const auto texts = panel::textsOn(controller);
+            return std::any_of(texts.begin(), texts.end(), [](const panel::PanelText& shown) {
+                return shown.text == QStringLiteral("COUNTER MODE");
+            });
         });
     };
     const bool shown = waitUntil(isShown, startLimit);
