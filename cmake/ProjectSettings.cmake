@@ -17,12 +17,13 @@ target_compile_definitions(
     project_settings INTERFACE QT_NO_CAST_TO_ASCII
                                QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
 
-# A compiler's cache, where there is one. What a precompiled header holds does not depend on when it
-# was made.
+# A compiler's cache, where there is one; builds beside each other share what they compile alike. What
+# a precompiled header holds does not depend on when it was made.
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
-                                    CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros
+        CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} ${CCACHE})
     if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
         add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
     endif()
@@ -45,11 +46,17 @@ if(MOLD AND FRONTPANEL_SANITIZE)
     add_link_options(-fuse-ld=mold)
 endif()
 
-if(FRONTPANEL_COVERAGE)
+# Targets made between these two count which of their lines run. All others are compiled as for any
+# release, so that a compiler's cache has them already.
+macro(count_lines)
+    get_directory_property(uncounted_options COMPILE_OPTIONS)
     # Atomic, because panelsim has threads.
-    add_compile_options(--coverage -fprofile-update=atomic)
+    add_compile_options(-O0 -g1 --coverage -fprofile-update=atomic)
     add_link_options(--coverage)
-endif()
+endmacro()
+macro(stop_counting_lines)
+    set_property(DIRECTORY PROPERTY COMPILE_OPTIONS ${uncounted_options})
+endmacro()
 
 if(FRONTPANEL_FUZZ)
     # Everything is watched, the fuzzers themselves bring libFuzzer's main().

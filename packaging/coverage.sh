@@ -29,14 +29,16 @@ programs=(assets client eve_layer flow main onmodel platform supervision widgets
 targets=("${programs[@]/%/_test}" system_tests)
 tests_of_these="^((${programs[*]})_test|system\\..*)$"
 tests_of_these=${tests_of_these// /|}
+simulator=OFF
 if [ "${1:-}" = --simulator ]; then
     targets=(unit_tests system_tests)
     tests_of_these=.
+    simulator=ON
 fi
 
 tests=passed
 if [ "${1:-}" != --report ]; then
-    cmake --preset coverage >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
+    cmake --preset coverage -DFRONTPANEL_COVERAGE_SIMULATOR=$simulator >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
     cmake --build --preset coverage --target "${targets[@]}"
     find $build -name '*.gcda' -delete
     ctest --preset coverage --tests-regex "$tests_of_these" --parallel $((4 * $(nproc))) --quiet \
