@@ -2,6 +2,7 @@
 
 #include "dlwords.h"
 #include "fixedmath.h"
+#include "rampslope.h"
 
 #include <algorithm>
 #include <array>
@@ -27,56 +28,17 @@
 // A runs from one alpha to the other and t from 0 to 1. Alpha is made by laying ramps over what is
 // there, as a gradient without alpha is, so that it does not matter where ramp and strip overlap.
 //
-// Steep gradients use a coarser ramp (every second, fourth ... texel), as the transform's words
-// hold no large factors, and interpolate between its texels. There a pixel is much of the way, so
-// the bitmap goes on with full texels, and the strip begins in the midst of these.
+// In steep gradients a pixel is much of the way, so the bitmap goes on with full texels, and the
+// strip begins in the midst of these. The steepest use a coarser ramp (every second, fourth ...
+// texel), as the transform's words hold no larger numbers, and interpolate between its texels.
 
 namespace controller {
 
 namespace {
 
-constexpr std::int64_t one = 256;              // of the transform's 8 fraction bits
-constexpr std::int64_t steepest = 15 * one;    // texels a pixel, x and y together
-constexpr std::int64_t offsetLimit = 0x7FFFFF; // of the transform's constant term
-constexpr std::int64_t highestBitmap = 511;    // in every generation
+constexpr std::int64_t one = RampSlope::one;
 constexpr std::uint32_t bilinear = 1U << 20U;  // in BITMAP_SIZE
 constexpr std::uint32_t laterFractionBits = 2; // of vertices in E2 and E3: reach 4096 pixels
-
-// The position along the ramp of pixel (x, y), in texels with 8 fraction bits: dx*x + dy*y + start.
-struct Slope {
-    std::int64_t dx = 0;
-    std::int64_t dy = 0;
-    std::int64_t start = 0;
-    std::int64_t texels = 0; // of the ramp in use
-    std::int64_t rows = 0;   // of the bitmap: these and perhaps full ones
-    std::uint32_t step = 1;  // between them, in texels of the ROM's ramp
-
-    std::int64_t perPixel() const { return std::abs(dx) + std::abs(dy); }
-    bool isSteep() const { return perPixel() > one; }
-    std::int64_t at(std::int64_t x, std::int64_t y) const { return dx * x + dy * y + start; }
-};
-
-Slope slopeOf(const Gradient& gradient, const RomRamp& ramp) {
-    const std::int64_t vx = gradient.x1 - gradient.x0;
-    const std::int64_t vy = gradient.y1 - gradient.y0;
-    const std::int64_t square = vx * vx + vy * vy;
-    Slope slope;
-    for (slope.step = 1; slope.step < ramp.length; slope.step *= 2) {
-        slope.texels = ramp.length / slope.step;
-        slope.dx = roundedQuotient(slope.texels * one * vx, square);
-        slope.dy = roundedQuotient(slope.texels * one * vy, square);
-        if (slope.perPixel() <= steepest) {
-            break;
-        }
-    }
-    slope.rows = slope.isSteep() ? std::min<std::int64_t>(ramp.line / slope.step, highestBitmap)
-                                 : slope.texels;
-    // Exact in the middle of the vector, so that rounding shows least at its ends.
-    slope.start = (slope.texels * one - slope.dx * (gradient.x0 + gradient.x1) -
-                   slope.dy * (gradient.y0 + gradient.y1)) /
-                  2;
-    return slope;
-}
 
 // The colour, or the alpha, or both.
 namespace channels {
@@ -118,7 +80,7 @@ public:
 private:
     // A ramp on this canvas: how far it reaches.
     struct Layer {
-        Slope slope;
+        RampSlope slope;
         std::int64_t limit = 0; // where the strip begins
         bool isEverything = false;
         bool isNothing = false;
@@ -131,15 +93,15 @@ private:
     void fill(std::uint32_t rgb);
     Layer layerOf(const Gradient& gradient) const;
     void drawLayer(const Layer& layer);
-    void drawRamp(const Slope& slope);
-    void drawFarSide(const Slope& slope, std::int64_t limit);
+    void drawRamp(const RampSlope& slope);
+    void drawFarSide(const RampSlope& slope, std::int64_t limit);
     void layOver(const Gradient& gradient);
     void runAlpha(const Gradient& gradient);
     void addColor(std::uint32_t rgb);
     void addExcess(const Gradient& gradient);
     int fractions() const { return m_generation == Generation::E1 ? 16 : 1 << laterFractionBits; }
-    void vertexAlongX(const Slope& slope, std::int64_t limit, int x);
-    void vertexAlongY(const Slope& slope, std::int64_t limit, int y);
+    void vertexAlongX(const RampSlope& slope, std::int64_t limit, int x);
+    void vertexAlongY(const RampSlope& slope, std::int64_t limit, int y);
 
     Words& m_words;
     Generation m_generation;
@@ -175,13 +137,13 @@ void GradientWriter::fill() {
     put(dl::end());
 }
 
-void GradientWriter::drawRamp(const Slope& slope) {
+void GradientWriter::drawRamp(const RampSlope& slope) {
     const std::uint32_t handle = m_canvas.scratchHandle;
     const auto height = static_cast<std::uint32_t>(slope.rows);
     put(dl::bitmapHandle(handle));
     put(dl::bitmapSource(m_canvas.ramp.address));
     put(dl::bitmapLayout(format::L8, slope.step, height));
-    put(dl::bitmapSize(0, 0) | (m_smooth && slope.isSteep() ? bilinear : 0)); // as large as can be
+    put(dl::bitmapSize(0, 0) | (m_smooth && slope.step > 1 ? bilinear : 0)); // as large as can be
     if (m_generation != Generation::E1) {
         put(dl::bitmapLayoutH(slope.step, height));
         put(dl::bitmapSizeH(0, 0));
@@ -196,21 +158,21 @@ void GradientWriter::drawRamp(const Slope& slope) {
 }
 
 // The point of the line at(x, y) == limit with this x, or with this y.
-void GradientWriter::vertexAlongX(const Slope& slope, std::int64_t limit, int x) {
+void GradientWriter::vertexAlongX(const RampSlope& slope, std::int64_t limit, int x) {
     const std::int64_t y =
         roundedQuotient((limit - slope.start - slope.dx * x) * fractions(), slope.dy);
     put(dl::vertex2f(x * fractions(),
                      static_cast<std::int32_t>(clampTo<std::int64_t>(y, -0x4000, 0x3FFF))));
 }
 
-void GradientWriter::vertexAlongY(const Slope& slope, std::int64_t limit, int y) {
+void GradientWriter::vertexAlongY(const RampSlope& slope, std::int64_t limit, int y) {
     const std::int64_t x =
         roundedQuotient((limit - slope.start - slope.dy * y) * fractions(), slope.dx);
     put(dl::vertex2f(static_cast<std::int32_t>(clampTo<std::int64_t>(x, -0x4000, 0x3FFF)),
                      y * fractions()));
 }
 
-void GradientWriter::drawFarSide(const Slope& slope, std::int64_t limit) {
+void GradientWriter::drawFarSide(const RampSlope& slope, std::int64_t limit) {
     if (std::abs(slope.dy) >= std::abs(slope.dx)) {
         put(dl::begin(slope.dy > 0 ? primitive::EdgeStripB : primitive::EdgeStripA));
         vertexAlongX(slope, limit, -1);
@@ -225,8 +187,8 @@ void GradientWriter::drawFarSide(const Slope& slope, std::int64_t limit) {
 
 GradientWriter::Layer GradientWriter::layerOf(const Gradient& gradient) const {
     Layer layer;
-    layer.slope = slopeOf(gradient, m_canvas.ramp);
-    const Slope& slope = layer.slope;
+    layer.slope = rampSlope(gradient, m_canvas);
+    const RampSlope& slope = layer.slope;
     // Where the strip begins: a pixel is sampled at its top left corner, so the rest of it may
     // lie up to one pixel further back; a quarter pixel more for the rounding of vertices.
     layer.limit = slope.isSteep()
@@ -236,7 +198,7 @@ GradientWriter::Layer GradientWriter::layerOf(const Gradient& gradient) const {
     const auto [lowest, highest] = std::minmax(
         {slope.at(0, 0), slope.at(m_width, 0), slope.at(0, m_height), slope.at(m_width, m_height)});
     layer.isEverything = lowest >= layer.limit;
-    layer.isNothing = highest <= 0 || std::abs(slope.start) > offsetLimit;
+    layer.isNothing = highest <= 0 || !slope.canStart();
     layer.reachesStrip = highest >= layer.limit;
     return layer;
 }
