@@ -2,7 +2,7 @@
 # Builds the fuzzers and lets each try inputs for a while. What it finds is below
 # build/fuzz/findings; to see one again: build/fuzz/bin/fuzz_TARGET FILE.
 #
-#   tests/fuzz/run.sh [SECONDS [TARGET...]]   60 seconds each of all, if not said otherwise
+#   tests/fuzz/run.sh [SECONDS [TARGET...]]   60 seconds of all at a time, if not said otherwise
 #
 # The inputs that reach new code are kept in build/fuzz/corpus for the next run.
 # Ends with 0: nothing found; 1: something found; 77: could not run.
@@ -56,24 +56,18 @@ run() {
 }
 
 printf '%-12s %10s %10s  %s\n' target inputs per-second finding
+# All at a time: they share the cores, and the machine is not asked for anything else.
 bad=0
-running=0
-finish_one() {
-    wait -n || bad=$((bad + 1))
-    running=$((running - 1))
-}
-# Five on two cores: time is what there is little of, and the machine is not asked for anything else.
-at_a_time=$((5 * $(nproc) / 2))
+processes=()
 for target in "${targets[@]}"; do
-    [ "$running" -lt "$at_a_time" ] || finish_one
     run "$target" &
-    running=$((running + 1))
+    processes+=($!)
 done
-while [ "$running" -gt 0 ]; do
-    finish_one
+for process in "${processes[@]}"; do
+    wait "$process" || bad=$((bad + 1))
 done
 if [ "$bad" -gt 0 ]; then
     echo "Fuzzing found something in $bad of ${#targets[@]} targets; see $findings and $build/*.log."
     exit 1
 fi
-echo "Fuzzing found nothing: ${#targets[@]} targets, $seconds seconds each."
+echo "Fuzzing found nothing: ${#targets[@]} targets in $seconds seconds."
