@@ -132,16 +132,30 @@ TEST(Coprocessor, TheThirdGenerationSaysWhyItFailed) {
 }
 
 TEST(Coprocessor, CommandsOfLaterGenerationsDoNotExistEarlier) {
-    Host e1(Generation::E1);
-    e1.boot();
-    e1.send({cmd::setBitmap, 0, 0, 0});
-    EXPECT_EQ(e1.read16(e1.at.cmdRead()), 0xFFF);
-    Host e2(Generation::E2);
-    e2.boot();
-    e2.send({cmd::setBitmap, 0, pair(6, 10), 10});
-    EXPECT_TRUE(e2.ringIsEmpty());
-    e2.send({cmd::flashAttach});
-    EXPECT_EQ(e2.read16(e2.at.cmdRead()), 0xFFF);
+    struct First {
+        std::uint32_t command;
+        Generation generation;
+    };
+    constexpr Generation E1 = Generation::E1;
+    constexpr Generation E2 = Generation::E2;
+    constexpr Generation E3 = Generation::E3;
+    for (const First& first :
+         {First{cmd::snapshot, E1},      First{cmd::loadImage, E1},   First{cmd::gradColor, E1},
+          First{cmd::setRotate, E2},     First{cmd::snapshot2, E2},   First{cmd::mediaFifo, E2},
+          First{cmd::setBitmap, E2},     First{cmd::romFont, E2},     First{cmd::setScratch, E2},
+          First{cmd::flashErase, E3},    First{cmd::flashWrite, E3},  First{cmd::flashRead, E3},
+          First{cmd::flashUpdate, E3},   First{cmd::flashDetach, E3}, First{cmd::flashAttach, E3},
+          First{cmd::flashFast, E3},     First{cmd::flashSpiTx, E3},  First{cmd::flashSpiRx, E3},
+          First{cmd::flashSpiDesel, E3}, First{cmd::flashSource, E3}, First{cmd::inflate2, E3},
+          First{cmd::gradientA, E3},     First{cmd::fillWidth, E3},   First{cmd::appendF, E3}}) {
+        for (const Generation generation : {E1, E2, E3}) {
+            Host host(generation);
+            host.boot();
+            host.send({first.command});
+            EXPECT_EQ(host.read16(host.at.cmdRead()) == 0xFFF, generation < first.generation)
+                << std::hex << first.command << " on E" << static_cast<int>(generation) + 1;
+        }
+    }
 }
 
 TEST(Coprocessor, ACommandThatIsNotModelledIsTakenAndComplainedAbout) {

@@ -246,8 +246,25 @@ TEST_F(DrawingCommands, SetBitmapDescribesTheBitmapForTheCurrentHandle) {
     EXPECT_THAT(listOf({cmd::setBitmap, 100000, pair(7, 800), 600}),
                 ElementsAre(0x010186A0, 0x07000000U | 7U << 19U | 576U << 9U | 88U, 0x28000005,
                             0x08000000U | 288U << 9U | 88U, 0x29000005));
-    EXPECT_THAT(listOf({cmd::setBitmap, 0, pair(1, 9), 4})[1],
-                0x07000000U | 1U << 19U | 2U << 9U | 4U);
+}
+
+TEST_F(DrawingCommands, SetBitmapKnowsTheBytesOfALineInEachFormat) {
+    struct Line {
+        std::uint32_t format;
+        std::uint32_t bytes; // of nine pixels
+    };
+    for (const Line& line :
+         {Line{0, 18}, Line{1, 2}, Line{2, 5}, Line{3, 9}, Line{4, 9}, Line{5, 9}, Line{6, 18},
+          Line{7, 18}, Line{14, 9}, Line{15, 9}, Line{16, 9}, Line{17, 3}}) {
+        EXPECT_THAT(listOf({cmd::setBitmap, 64, pair(static_cast<int>(line.format), 9), 4}),
+                    ElementsAre(0x01000040,
+                                0x07000000U | line.format << 19U | line.bytes << 9U | 4U,
+                                0x28000000, 0x08000000U | 9U << 9U | 4U, 0x29000000))
+            << line.format;
+    }
+    EXPECT_THAT(host.seen.complaints, IsEmpty());
+    EXPECT_THAT(listOf({cmd::setBitmap, 64, pair(9, 9), 4}), IsEmpty());
+    EXPECT_TRUE(host.seen.complainedAbout("SETBITMAP: format 9 is not modelled"));
 }
 
 TEST_F(DrawingCommands, ColoursOutliveTheListUntilAColdStart) {
@@ -256,6 +273,28 @@ TEST_F(DrawingCommands, ColoursOutliveTheListUntilAColdStart) {
         V{0x26000007, cmd::button, pair(0, 0), pair(50, 50), pair(27, 0x100)} + words("");
     EXPECT_EQ(show(button).at(25, 25), 0xFF123456);
     EXPECT_EQ(show(V{cmd::coldStart} + button).at(25, 25), 0xFF003870);
+}
+
+TEST_F(DrawingCommands, WhatTheCoprocessorKeepsOutlivesTheListUntilAColdStart) {
+    struct Change {
+        const char* what;
+        V commands;
+    };
+    // Raised, and pressed: all colours; the matrix; a font
+    const V widgets = V{cmd::button, pair(0, 0), pair(50, 50), pair(27, 0)} + words("a") +
+                      V{cmd::keys, pair(60, 0), pair(50, 50), pair(27, 'b')} + words("ab") +
+                      V{cmd::setMatrix} + textAt(0, 100, 27, 0, "abc");
+    const V initial = listOf(widgets);
+    for (const Change& change :
+         {Change{"FGCOLOR", {cmd::fgColor, 0x123456}}, Change{"BGCOLOR", {cmd::bgColor, 0x123456}},
+          Change{"GRADCOLOR", {cmd::gradColor, 0x123456}},
+          Change{"TRANSLATE", {cmd::translate, 0x10000, 0x10000}},
+          Change{"ROMFONT", {cmd::romFont, 27, 31}}}) {
+        listOf(change.commands);
+        EXPECT_NE(listOf(widgets), initial) << change.what;
+        listOf({cmd::coldStart});
+        EXPECT_EQ(listOf(widgets), initial) << change.what;
+    }
 }
 
 TEST_F(DrawingCommands, LargeRomFontsGoThroughTheScratchHandle) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace {
 
 using namespace controllertest;
@@ -11,19 +13,40 @@ std::uint32_t vertex2f(int x, int y) {
     return 0x40000000U | static_cast<std::uint32_t>(x) << 15U | static_cast<std::uint32_t>(y);
 }
 
+// Where the dot is that all lists draw.
+constexpr std::uint32_t dot = 0x40000000U | (20 * 16 + 5) << 15U | 20 * 16;
+
 // A word that sets a piece of graphics state to what it is at the start of every list, and one
-// that sets it to something else.
+// that sets it to something else; and what shows the difference, if the drawing does not.
 struct State {
     const char* name;
     std::uint32_t initial;
     std::uint32_t other;
+    V show = {};
 };
 
-constexpr State states[] = {
+const State states[] = {
     {"COLOR_RGB", 0x04FFFFFF, 0x04FFFF00},
     {"COLOR_A", 0x100000FF, 0x10000080},
     {"CLEAR_COLOR_RGB", 0x02000000, 0x02000040},
     {"CLEAR_TAG", 0x12000000, 0x12000001},
+    // Blended by the alpha that is there
+    {"CLEAR_COLOR_A", 0x0F000000, 0x0F000080, {0x0B000019}},
+    // Drawn only where the stencil is 0
+    {"CLEAR_STENCIL", 0x11000000, 0x11000001, {0x0A0500FF}},
+    // A dot in the way of those behind it, if it changes the stencil by passing or by failing
+    {"STENCIL_OP", 0x0C000009, 0x0C00000B, {0x1F000002, dot, 0x04FF0000, 0x0A0500FF}},
+    {"STENCIL_OPWhereTheTestFails",
+     0x0C000009,
+     0x0C000019,
+     {0x0A0000FF, 0x1F000002, dot, 0x0A0500FF}},
+    {"STENCIL_MASK", 0x130000FF, 0x13000000, {0x0C00000B, 0x1F000002, dot, 0x04FF0000, 0x0A0500FF}},
+    // PALETTED565
+    {"PALETTE_SOURCE",
+     0x2A000000,
+     0x2A000002,
+     {0x05000001, 0x01000000, 0x07000000U | 14U << 19U | 4U << 9U | 2U, 0x08000000U | 4U << 9U | 2U,
+      0x1F000001, 0x40000000U | 320U << 15U | 800U}},
     {"TAG", 0x030000FF, 0x030000FE},
     {"TAG_MASK", 0x14000001, 0x14000000},
     {"POINT_SIZE", 0x0D000010, 0x0D000020},
@@ -53,22 +76,24 @@ protected:
         host.bootWithPanel();
         host.write(0, {0x10, 0x20, 0x30, 0x40, 0x50, 0x60, 0x70, 0x80, 0x90, 0xA0, 0xB0, 0xC0, 0xD0,
                        0xE0, 0xF0, 0xFF});
+        std::vector<std::uint8_t> palette(512);
+        std::iota(palette.begin(), palette.end(), std::uint8_t{0});
+        host.write(16, palette);
     }
     // Something of everything: a bitmap of two cells, a dot and a line, all where they can be seen.
     controller::Frame drawnAfter(const V& words) {
         const V bitmap = {0x05000000, 0x01000000, 0x07000000 | 3U << 19 | 4 << 9 | 2,
                           0x08000000 | 4 << 9 | 2};
-        const V drawing = {0x26000007,
-                           0x1F000001,
+        const V drawing = {0x1F000001,
                            vertex2f(50 * 16, 30 * 16),
                            0x1F000002,
-                           vertex2f(20 * 16 + 5, 20 * 16),
+                           dot,
                            0x1F000003,
                            vertex2f(60 * 16, 8 * 16),
                            vertex2f(90 * 16, 14 * 16),
                            0,
                            cmd::swap};
-        host.send(V{cmd::dlStart} + bitmap + words + drawing);
+        host.send(V{cmd::dlStart} + bitmap + words + V{0x26000007} + GetParam().show + drawing);
         host.waitFrames(2);
         return host.chip.frame();
     }
