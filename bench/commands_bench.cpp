@@ -16,14 +16,6 @@ namespace {
 using namespace controllertest;
 using V = std::vector<std::uint32_t>;
 
-V repeated(const V& command, std::size_t times) {
-    V result;
-    for (std::size_t i = 0; i < times; ++i) {
-        result = result + command;
-    }
-    return result;
-}
-
 // The longest of the burst and the milliseconds behind it, and a frame of 13 of these.
 void burst(benchmark::State& state, const V& setUp, const V& commands) {
     using Clock = std::chrono::steady_clock;

@@ -84,7 +84,7 @@ void registerLayers() {
     };
     const List bitmap = {clearAll, begin(primitive::Bitmaps), dl::vertex2ii(0, 0, 1, 0)};
     const auto turned = [&](std::uint32_t format, std::uint32_t flags) {
-        return costly::operator+(costly::turnedBitmap(format, flags), bitmap);
+        return costly::turnedBitmap(format, flags) + bitmap;
     };
     const std::uint32_t alphaTest = word(opcode::AlphaFunc, test::Greater << 8 | 3);
     add("cleared", {clearAll});
@@ -94,8 +94,7 @@ void registerLayers() {
     add("turned ARGB4", turned(format::Argb4, repeatX | repeatY));
     add("turned PALETTED8", turned(format::Paletted8, repeatX | repeatY));
     add("turned ARGB4 bilinear", turned(format::Argb4, bilinear | repeatX | repeatY));
-    add("turned ARGB4 alpha test",
-        costly::operator+({alphaTest}, turned(format::Argb4, repeatX | repeatY)));
+    add("turned ARGB4 alpha test", List{alphaTest} + turned(format::Argb4, repeatX | repeatY));
     add("disc", {clearAll, pointSize(8191), begin(primitive::Points), vertex2f(3840, 2176)});
 }
 [[maybe_unused]] const bool layersRegistered = (registerLayers(), true);

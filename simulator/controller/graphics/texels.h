@@ -71,12 +71,17 @@ struct LuminanceTexels {
     }
 };
 
-struct Argb1555Texels {
+// Colours of two bytes.
+template<std::uint32_t (*argbOf)(std::uint32_t)>
+struct TwoByteTexels {
     using Value = std::uint32_t;
     Value operator()(const std::uint8_t* row, std::uint32_t x) const {
-        return fromArgb1555(littleEndian16(row + std::size_t{2} * x));
+        return argbOf(littleEndian16(row + std::size_t{2} * x));
     }
 };
+using Argb1555Texels = TwoByteTexels<fromArgb1555>;
+using Argb4Texels = TwoByteTexels<fromArgb4>;
+using Rgb565Texels = TwoByteTexels<fromRgb565>;
 
 struct Rgb332Texels {
     using Value = std::uint32_t;
@@ -91,20 +96,6 @@ struct Argb2Texels {
     Value operator()(const std::uint8_t* row, std::uint32_t x) const {
         const std::uint32_t v = row[x];
         return argb(widened2(v >> 6), widened2(v >> 4), widened2(v >> 2), widened2(v));
-    }
-};
-
-struct Argb4Texels {
-    using Value = std::uint32_t;
-    Value operator()(const std::uint8_t* row, std::uint32_t x) const {
-        return fromArgb4(littleEndian16(row + std::size_t{2} * x));
-    }
-};
-
-struct Rgb565Texels {
-    using Value = std::uint32_t;
-    Value operator()(const std::uint8_t* row, std::uint32_t x) const {
-        return fromRgb565(littleEndian16(row + std::size_t{2} * x));
     }
 };
 

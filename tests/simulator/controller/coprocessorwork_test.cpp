@@ -1,15 +1,14 @@
+#include "bytes.h"
 #include "host.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <zlib.h>
 
 namespace {
 
 using namespace controllertest;
 using V = std::vector<std::uint32_t>;
-using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::int64_t workOfSlice = 2'000'000; // in a millisecond
 constexpr std::uint32_t megabyte = 1048576;
@@ -46,22 +45,6 @@ protected:
 
     Host host{Generation::E3, withFlash()};
 };
-
-V repeated(const V& command, std::size_t times) {
-    V result;
-    for (std::size_t i = 0; i < times; ++i) {
-        result = result + command;
-    }
-    return result;
-}
-
-Bytes compressed(const Bytes& bytes) {
-    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-    Bytes result(size);
-    compress(result.data(), &size, bytes.data(), static_cast<uLong>(bytes.size()));
-    result.resize(size);
-    return result;
-}
 
 TEST_F(CoprocessorWork, IsCountedInBytesMoved) {
     const std::int64_t little = workOf({cmd::memZero, 0, 4});

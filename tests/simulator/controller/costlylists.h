@@ -41,12 +41,6 @@ inline std::vector<std::uint32_t> turnedBitmap(std::uint32_t format, std::uint32
             dl::bitmapTransform(5, 60 * 128)};
 }
 
-inline std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                            const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 } // namespace costly
 
 inline std::vector<CostlyList> costlyLists() {

@@ -1,10 +1,10 @@
+#include "bytes.h"
 #include "host.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <zlib.h>
 
 namespace {
 
@@ -12,7 +12,6 @@ using namespace controllertest;
 using testing::Each;
 using testing::ElementsAre;
 using V = std::vector<std::uint32_t>;
-using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t statusRegister = 0x3025F0;
 constexpr std::uint8_t detached = 1;
@@ -156,10 +155,8 @@ TEST_F(FlashCommands, ListsAndStreamsComeFromFlash) {
     EXPECT_THAT(host.listWritten(), ElementsAre(0x02123456, 0x26000007));
 
     const Bytes data(3000, 0x42);
-    uLongf size = compressBound(static_cast<uLong>(data.size()));
-    Bytes packed(size);
-    compress(packed.data(), &size, data.data(), static_cast<uLong>(data.size()));
-    std::copy_n(packed.begin(), size, host.chip.flash().begin() + 4096);
+    const Bytes stream = compressed(data);
+    std::copy(stream.begin(), stream.end(), host.chip.flash().begin() + 4096);
     host.send({cmd::flashSource, 4096, cmd::inflate2, 7000, 0x40, 0x2D000000});
     EXPECT_TRUE(host.ringIsEmpty());
     EXPECT_TRUE(host.read(7000, 3000) == data);

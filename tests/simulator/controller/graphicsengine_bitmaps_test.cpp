@@ -33,12 +33,6 @@ std::vector<std::uint32_t> bitmap(std::uint32_t format, std::uint32_t stride, st
             end()};
 }
 
-std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                     const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // The colours of the first row of a bitmap, drawn over black.
 std::vector<std::uint32_t> firstRow(Scanner& scanner, int width,
                                     const std::vector<std::uint32_t>& list) {

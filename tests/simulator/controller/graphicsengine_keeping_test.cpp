@@ -20,11 +20,6 @@ using List = std::vector<std::uint32_t>;
 constexpr int width = 200;
 constexpr int height = 100;
 
-List operator+(List a, const List& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // A panel full of work, and a bitmap of one texel at address 5000.
 const List beginning = {
     clearAll,

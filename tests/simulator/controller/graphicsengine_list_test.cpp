@@ -34,12 +34,6 @@ std::vector<std::uint32_t> dot(int x) {
     return {begin(primitive::EdgeStripA), vertex2f(x * 16, 16), vertex2f(x * 16 + 16, 16), end()};
 }
 
-std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                     const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 std::string drawn(Scanner& scanner, const std::vector<std::uint32_t>& list) {
     return letterpicture::brightness(scanner.scan(8, 1, list).picture);
 }

@@ -24,12 +24,6 @@ std::vector<std::uint32_t> columns(int x, int right) {
     return {begin(primitive::EdgeStripA), pixels(x, 100), pixels(right, 100), end()};
 }
 
-std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                     const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 std::uint32_t stencilFunc(std::uint32_t function, std::uint32_t reference, std::uint32_t mask) {
     return word(opcode::StencilFunc, function << 16 | reference << 8 | mask);
 }

@@ -159,4 +159,12 @@ std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
     return a;
 }
 
+std::vector<std::uint32_t> repeated(const std::vector<std::uint32_t>& command, std::size_t times) {
+    std::vector<std::uint32_t> result;
+    for (std::size_t i = 0; i < times; ++i) {
+        result.insert(result.end(), command.begin(), command.end());
+    }
+    return result;
+}
+
 } // namespace controllertest

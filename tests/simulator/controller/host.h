@@ -127,6 +127,7 @@ private:
 std::vector<std::uint32_t> words(const std::string& text);
 std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
                                      const std::vector<std::uint32_t>& b);
+std::vector<std::uint32_t> repeated(const std::vector<std::uint32_t>& command, std::size_t times);
 constexpr std::uint32_t pair(int low, int high) {
     return (static_cast<std::uint32_t>(low) & 0xFFFFU) | static_cast<std::uint32_t>(high) << 16U;
 }

@@ -25,14 +25,6 @@ void putChunk(Bytes& file, const std::string& name, const Bytes& content) {
         file, static_cast<std::uint32_t>(crc32(0, named.data(), static_cast<uInt>(named.size()))));
 }
 
-Bytes packed(const Bytes& bytes) {
-    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-    Bytes result(size);
-    compress(result.data(), &size, bytes.data(), static_cast<uLong>(bytes.size()));
-    result.resize(size);
-    return result;
-}
-
 } // namespace
 
 Bytes pngFile(const PngParts& parts) {
@@ -57,7 +49,7 @@ Bytes pngFile(const PngParts& parts) {
         const auto start = parts.samples.begin() + static_cast<std::ptrdiff_t>(y * stride);
         lines.insert(lines.end(), start, start + static_cast<std::ptrdiff_t>(stride));
     }
-    putChunk(file, "IDAT", packed(lines));
+    putChunk(file, "IDAT", compressed(lines));
     putChunk(file, "IEND", {});
     return file;
 }

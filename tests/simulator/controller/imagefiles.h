@@ -1,13 +1,12 @@
 #pragma once
 
+#include "bytes.h"
+
 #include <cstdint>
-#include <vector>
 
 // Image files made for tests.
 
 namespace controllertest {
-
-using Bytes = std::vector<std::uint8_t>;
 
 // Kinds of PNG, by the number that stands in the file.
 namespace png {

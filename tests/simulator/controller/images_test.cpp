@@ -1,3 +1,4 @@
+#include "bytes.h"
 #include "host.h"
 #include "imagefiles.h"
 
@@ -245,12 +246,9 @@ TEST_F(Images, BehindAFileInTheMediaFifoTheRestOfTheWordIsSkipped) {
 
 TEST_F(Images, CompressedDataComeThroughTheMediaFifoToo) {
     startFifo(0x8000, 1024);
-    uLongf size = 100;
-    Bytes packed(size);
-    compress(packed.data(), &size, Bytes(50, 9).data(), 50);
-    packed.resize(size);
-    host.write(0x8000, packed);
-    host.write32(fifoWrite, static_cast<std::uint32_t>(size));
+    const Bytes stream = compressed(Bytes(50, 9));
+    host.write(0x8000, stream);
+    host.write32(fifoWrite, static_cast<std::uint32_t>(stream.size()));
     host.send({cmd::inflate2, 1000, mediaFifo});
     EXPECT_TRUE(host.ringIsEmpty());
     EXPECT_EQ(host.read8(1049), 9);

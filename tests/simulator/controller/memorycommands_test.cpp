@@ -1,16 +1,14 @@
+#include "bytes.h"
 #include "host.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <zlib.h>
 
 namespace {
 
 using namespace controllertest;
 using testing::ElementsAre;
 using V = std::vector<std::uint32_t>;
-using Bytes = std::vector<std::uint8_t>;
 
 Bytes pattern(std::size_t size) {
     Bytes bytes(size);
@@ -20,14 +18,6 @@ Bytes pattern(std::size_t size) {
         byte = static_cast<std::uint8_t>(state >> 28U); // compresses, but not to nothing
     }
     return bytes;
-}
-
-Bytes compressed(const Bytes& bytes) {
-    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-    Bytes result(size);
-    compress(result.data(), &size, bytes.data(), static_cast<uLong>(bytes.size()));
-    result.resize(size);
-    return result;
 }
 
 class MemoryCommands : public testing::Test {

@@ -40,6 +40,11 @@ constexpr std::uint32_t scissorSize(std::uint32_t width, std::uint32_t height) {
 constexpr std::uint32_t bitmapSize(std::uint32_t flags, std::uint32_t width, std::uint32_t height) {
     return dl::bitmapSize(width, height) | flags;
 }
+inline std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
+                                            const std::vector<std::uint32_t>& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
 constexpr std::uint32_t vertex2ii(std::uint32_t x, std::uint32_t y, std::uint32_t handle = 0) {
     return dl::vertex2ii(x, y, handle, 0);
 }

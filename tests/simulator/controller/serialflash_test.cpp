@@ -1,3 +1,4 @@
+#include "bytes.h"
 #include "serialflash.h"
 
 #include <gmock/gmock.h>
@@ -6,8 +7,8 @@
 namespace {
 
 using controller::SerialFlash;
+using controllertest::Bytes;
 using testing::ElementsAre;
-using Bytes = std::vector<std::uint8_t>;
 
 class SerialFlashTest : public testing::Test {
 protected:
