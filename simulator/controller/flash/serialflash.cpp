@@ -94,10 +94,9 @@ std::uint8_t SerialFlash::answer(std::uint8_t sent) {
         if (position < addressBytes) {
             takeAddress(sent);
         } else {
-            m_page.push_back(sent);
-            if (m_page.size() > pageSize) { // the last ones count
-                m_page.erase(m_page.begin());
-            }
+            const std::size_t place = (position - addressBytes) % pageSize; // the last ones count
+            m_page.resize(std::max(m_page.size(), place + 1));
+            m_page[place] = sent;
         }
         return erased;
     default:

@@ -57,6 +57,18 @@ TEST_F(SerialFlashTest, ProgrammingWrapsInsideThePage) {
     EXPECT_EQ(flash.read(0x200), 0xFF);
 }
 
+TEST_F(SerialFlashTest, OfMoreThanAPageTheLastBytesCount) {
+    command({0x06});
+    Bytes program = {0x02, 0x00, 0x01, 0x10};
+    program.insert(program.end(), 256, 0);
+    program.insert(program.end(), {1, 2});
+    command(program);
+    EXPECT_EQ(flash.read(0x10F), 0);
+    EXPECT_EQ(flash.read(0x110), 1);
+    EXPECT_EQ(flash.read(0x111), 2);
+    EXPECT_EQ(flash.read(0x112), 0);
+}
+
 TEST_F(SerialFlashTest, ErasesSectorsBlocksAndAll) {
     const auto soil = [this] {
         for (std::uint8_t& byte : flash.content()) {
