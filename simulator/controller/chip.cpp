@@ -347,6 +347,7 @@ std::uint32_t Controller::Chip::peekRegister(Register id) const {
     case Register::Clock:
         return static_cast<std::uint32_t>(m_power.clocksSinceStart(m_now));
     case Register::Tag:
+        lookAtPicture();
         return m_display.tagAt(static_cast<int>(m_registers[Register::TagX]),
                                static_cast<int>(m_registers[Register::TagY]));
     case Register::CmdbSpace:
@@ -354,6 +355,12 @@ std::uint32_t Controller::Chip::peekRegister(Register id) const {
     default:
         return m_registers[id];
     }
+}
+
+const Frame& Controller::Chip::lookAtPicture() const {
+    const Frame& frame = m_display.picture();
+    m_pictureWork += frame.work;
+    return frame;
 }
 
 std::uint32_t Controller::Chip::readRegister(Register id) {

@@ -81,13 +81,15 @@ private:
     Nanoseconds now() const override { return m_now; }
     bool isScanning() const override { return m_timing.isScanning(); }
     bool isSwapPending() const override { return m_registers[Register::DlSwap] != 0; }
-    const Frame& pictureShown() override { return m_display.picture(); }
+    const Frame& pictureShown() override { return lookAtPicture(); }
+    std::int64_t pictureWork() const override { return m_pictureWork; }
     void showList(const DisplayList& list) override;
     void interruptAfter(Nanoseconds delay) override { m_interruptAt = m_now + delay; }
     void ringEmptied() override;
     // HostTarget and CoprocessorPort
     void complain(const std::string& text) override;
 
+    const Frame& lookAtPicture() const;
     Nanoseconds nextEvent() const;
     void takeEvent();
     void powerEvent();
@@ -120,6 +122,7 @@ private:
     TouchEngine m_touch;
     SerialFlash m_flash;
     mutable Display m_display; // draws when somebody looks
+    mutable std::int64_t m_pictureWork = 0;
     Coprocessor m_coprocessor;
 
     Transaction m_transaction; // recorded while there is an observer

@@ -99,7 +99,10 @@ bool Coprocessor::step() {
     }
     const std::uint32_t offset = readOffset();
     try {
-        const Progress progress = pay(accept(m_machine.memory.ringWord(offset)));
+        const std::int64_t pictures = m_machine.port.pictureWork();
+        const Progress accepted = accept(m_machine.memory.ringWord(offset));
+        m_machine.budget.spend(m_machine.port.pictureWork() - pictures);
+        const Progress progress = pay(accepted);
         if (progress == Progress::Waiting) {
             return false;
         }

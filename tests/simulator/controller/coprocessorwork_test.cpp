@@ -101,9 +101,48 @@ TEST_F(CoprocessorWork, ErasingTheFlashOverItsOwnBusIsPaidForAfterwards) {
 
 TEST_F(CoprocessorWork, SnapshotsTakeManySlices) {
     host.startPanel();
-    const std::int64_t one = 480 * 272 * 20 + 10'000;
+    const std::int64_t one = 480 * 272 * (20 + 8) + 10'000; // stored, and drawn
     EXPECT_LT(mostWork(repeated({cmd::snapshot, 0}, 500), 10), workOfSlice + one);
     EXPECT_FALSE(host.ringIsEmpty());
+}
+
+// A list that runs in circles until it is given up, and paints in the colour of a macro register:
+// each new value is a new picture, which is drawn when the command asks for a pixel's tag.
+class DrawingForTags : public CoprocessorWork {
+protected:
+    DrawingForTags() {
+        host.startPanel();
+        host.send({cmd::dlStart, 0x26000007, 0x25000000, 0x1F000009, 0x40000000,
+                   0x40000000U | 7680U << 15U | 4352U, 0x1E000001, cmd::swap});
+        host.waitFrames(2);
+    }
+    // Each paints anew.
+    V looks(std::uint32_t count) const {
+        V result;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            result = result +
+                     V{cmd::memWrite, host.at.macro0(), 4, 0x04000000U | i, cmd::regRead, tag, 0};
+        }
+        return result;
+    }
+
+    static constexpr std::uint32_t tag = 0x30207C; // REG_TAG
+    static constexpr std::int64_t mostOfPicture = 52'000'000;
+};
+
+TEST_F(DrawingForTags, IsPaidForByTheCommandThatAsks) {
+    EXPECT_LT(mostWork(looks(100), 40), workOfSlice + mostOfPicture);
+    EXPECT_FALSE(host.ringIsEmpty());
+}
+
+TEST_F(DrawingForTags, CostsTheSameWhoeverElseLooks) {
+    const std::int64_t alone = workOf(looks(1));
+    EXPECT_GT(alone, mostOfPicture * 9 / 10);
+    host.wait(100 * ms);
+    host.write32(host.at.macro0(), 0x04000000); // as the command will
+    host.chip.frame();
+    EXPECT_EQ(workOf(looks(1)), alone);
+    EXPECT_EQ(host.read32(host.at.ramCmd() + (host.read16(host.at.cmdWrite()) - 4U)), 255U);
 }
 
 TEST_F(CoprocessorWork, AStreamThatUnpacksToManyTimesItsSizeTakesManySlices) {

@@ -146,8 +146,10 @@ TEST_F(MemoryCommands, SnapshotStoresThePicture) {
     host.waitFrames(2);
     host.send({cmd::snapshot2, 6, 1000, pair(0, 0), pair(2, 2)}); // ARGB4
     EXPECT_THAT(host.read(1000, 9), ElementsAre(0x84, 0xFF, 0x84, 0xFF, 0x84, 0xFF, 0x84, 0xFF, 0));
+    host.wait(2 * ms);                                                // a picture is much work
     host.send({cmd::snapshot2, 7, 1000, pair(478, 270), pair(4, 4)}); // RGB565, partly outside
     EXPECT_THAT(host.read(1000, 4), ElementsAre(0x08, 0xFC, 0x08, 0xFC));
+    host.wait(2 * ms);
     host.send({cmd::snapshot2, 0x20, 1000, pair(0, 0), pair(1, 1)}); // ARGB8
     EXPECT_EQ(host.read32(1000), 0xFFFF8040U);
 }

@@ -25,6 +25,9 @@ public:
     virtual std::uint32_t framesScanned() const = 0;
     // The picture that is shown, for SNAPSHOT.
     virtual const Frame& pictureShown() = 0;
+    // What drawing has cost for whoever has looked at the picture, in the units of WorkBudget. A
+    // picture counts each time, whether it had to be drawn or not: that depends on who else looks.
+    virtual std::int64_t pictureWork() const = 0;
     // From the end of this frame on the panel shows `list`, whatever the host swaps in.
     virtual void showList(const DisplayList& list) = 0;
     virtual void interruptAfter(Nanoseconds delay) = 0;
