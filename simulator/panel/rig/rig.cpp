@@ -18,7 +18,8 @@ Rig::Rig(const Settings& settings)
           QMetaObject::invokeMethod(
               this, [this, text] { emit complained(text); }, Qt::QueuedConnection);
       }),
-      m_module(settings.generation), m_server(settings.seed), m_pictures(settings.screenshots) {
+      m_module(settings.generation), m_finger(m_module), m_server(settings.seed),
+      m_pictures(settings.screenshots) {
     m_module.addWatcher(&m_complaints);
     m_pictures.compareWith(settings.stored, settings.renew);
     connect(&m_server, &ServerThread::requestReceived, this, [this](const QString& request) {
@@ -28,6 +29,7 @@ Rig::Rig(const Settings& settings)
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         m_module.advance();
+        m_finger.advance();
         emit ticked();
     });
 }

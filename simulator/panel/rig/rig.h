@@ -11,6 +11,7 @@
 #include "requestlog.h"
 #include "serverthread.h"
 #include "settings.h"
+#include "userfinger.h"
 
 #include <QObject>
 #include <QTimer>
@@ -39,6 +40,7 @@ public:
     Failure start();
 
     DisplayModule& module() { return m_module; }
+    UserFinger& finger() { return m_finger; } // for whoever takes touches of a user
     board::Board& board() { return *m_board; }
     Application& application() { return *m_application; }
     ServerThread& server() { return m_server; }
@@ -69,6 +71,7 @@ private:
     Complaints m_complaints;
     std::unique_ptr<BusTrace> m_trace;
     DisplayModule m_module;
+    UserFinger m_finger;
     std::unique_ptr<board::Board> m_board;
     std::unique_ptr<Application> m_application;
     ServerThread m_server;

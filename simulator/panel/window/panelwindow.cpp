@@ -112,8 +112,8 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
 
     connect(m_messages, &MessageBar::changed, this, &PanelWindow::arrange);
     connect(m_view, &PanelView::touched, this,
-            [this](QPoint pixel) { m_rig.module().touch(pixel.x(), pixel.y()); });
-    connect(m_view, &PanelView::released, this, [this] { m_rig.module().release(); });
+            [this](QPoint pixel) { m_rig.finger().touch(pixel); });
+    connect(m_view, &PanelView::released, this, [this] { m_rig.finger().release(); });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &PanelWindow::refresh);
     timer->start(refreshMs);
