@@ -1,6 +1,7 @@
 #include "panelcontent.h"
 
 #include <algorithm>
+#include <set>
 #include <tuple>
 
 namespace panel {
@@ -85,6 +86,12 @@ int tagAt(const controller::Controller& controller, QPoint pixel) {
     const TagMap map(controller.frame());
     const bool inside = QRect(0, 0, map.width(), map.height()).contains(pixel);
     return inside ? map.at(pixel) : 0;
+}
+
+std::vector<int> tagsOn(const controller::Controller& controller) {
+    const std::vector<std::uint8_t>& all = controller.frame().tags;
+    const std::set<int> tags(all.begin(), all.end());
+    return {tags.upper_bound(0), tags.end()};
 }
 
 TaggedPlaces placesOfTag(const controller::Controller& controller, int tag) {

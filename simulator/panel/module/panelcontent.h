@@ -31,4 +31,7 @@ struct TaggedPlaces {
 };
 TaggedPlaces placesOfTag(const controller::Controller& controller, int tag);
 
+// All tags on the panel but 0, in order.
+std::vector<int> tagsOn(const controller::Controller& controller);
+
 } // namespace panel

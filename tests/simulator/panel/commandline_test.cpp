@@ -119,7 +119,7 @@ TEST_F(CommandLineHelp, TellsKeysCommandsAndExitStatuses) {
     const QString help = helpText();
     EXPECT_TRUE(help.contains("--compare <DIR>"));
     EXPECT_TRUE(help.contains("  R  restart the application"));
-    EXPECT_TRUE(help.contains("  tap X Y "));
+    EXPECT_TRUE(help.contains("  tap WHERE "));
     EXPECT_TRUE(help.contains("   9  the measurement server's port is in use"));
 }
 

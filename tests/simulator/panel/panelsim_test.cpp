@@ -172,6 +172,15 @@ TEST_F(Panelsim, TellsWhatThereWasInsteadOfWhatWasAwaited) {
                    "the application reads the touched tag too seldom or not at all");
 }
 
+TEST_F(Panelsim, TellsWhatTheFingerDoesNotFind) {
+    const Outcome text = play("tap \"Ok\"\n", "exec sleep 100");
+    EXPECT_EQ(text.status, 5);
+    expectContains(text.error, "there is no such text; the panel shows nothing");
+    const Outcome tag = play("press tag 3\n", "exec sleep 100");
+    EXPECT_EQ(tag.status, 5);
+    expectContains(tag.error, "nothing carries this tag; the tags on the panel are none");
+}
+
 TEST_F(Panelsim, ThePictureOfAFailureGoesWithTheNextRun) {
     const QString picture = path("shots/session-line-1.failed.png");
     play("expect text Ok\n", "exec sleep 100");

@@ -61,6 +61,7 @@ void ScriptLine::split(const QString& text) {
             ++i;
         }
         m_words += word;
+        m_quoted += quoted;
     }
 }
 
@@ -140,6 +141,10 @@ bool ScriptLine::oneOf(const QString& what, const QString& yes, const QString& n
         fail(QStringLiteral("%1 must be \"%2\" or \"%3\", not \"%4\"").arg(what, yes, no, text));
     }
     return text == yes;
+}
+
+bool ScriptLine::isQuoted() const {
+    return m_error.isEmpty() && !atEnd() && m_quoted[m_next];
 }
 
 bool ScriptLine::optional(const QString& keyword) {

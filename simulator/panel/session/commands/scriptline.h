@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <chrono>
 #include <optional>
@@ -28,6 +29,8 @@ public:
     double number(const QString& what);
     std::chrono::milliseconds time(const QString& what); // "500ms", "2s", "0.5s"
     bool oneOf(const QString& what, const QString& yes, const QString& no);
+    // Whether the next word stands in quotation marks.
+    bool isQuoted() const;
     // Takes the next word when it is this one.
     bool optional(const QString& keyword);
     // "within TIME" at the end of the line is taken first, wherever the rest has got to.
@@ -39,6 +42,7 @@ private:
     void split(const QString& text);
 
     QStringList m_words;
+    QVector<bool> m_quoted; // for each of the words
     int m_next = 0;
     QString m_error;
 };

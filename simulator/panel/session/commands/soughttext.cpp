@@ -13,14 +13,16 @@ namespace {
 constexpr int panelWidth = 480;
 constexpr int panelHeight = 272;
 
-QString placed(const PanelText& text) {
-    return QStringLiteral("\"%1\" at %2 %3")
-        .arg(text.text)
-        .arg(text.box.center().x())
-        .arg(text.box.center().y());
-}
-
 } // namespace
+
+QString placesOf(const std::vector<PanelText>& texts) {
+    QStringList places;
+    for (const PanelText& text : texts) {
+        const QPoint middle = text.box.center();
+        places += QStringLiteral("\"%1\" at %2 %3").arg(text.text).arg(middle.x()).arg(middle.y());
+    }
+    return places.join(QStringLiteral(", "));
+}
 
 QPoint takePixel(ScriptLine& line) {
     const int x = line.integer(QStringLiteral("X"), 0, panelWidth - 1);
@@ -55,16 +57,16 @@ std::vector<PanelText> SoughtText::among(const std::vector<PanelText>& texts) co
 
 QString SoughtText::listOf(const std::vector<PanelText>& texts) const {
     QStringList list;
-    QStringList elsewhere;
+    std::vector<PanelText> elsewhere;
     for (const PanelText& text : texts) {
         list += text.text;
         if (matchesPattern(pattern, text.text) && !isMetBy(text)) {
-            elsewhere += placed(text);
+            elsewhere.push_back(text);
         }
     }
     QString shown = QStringLiteral("the panel shows ") + listNearestFirst(pattern, list);
-    if (!elsewhere.isEmpty()) {
-        shown += QStringLiteral("; there is ") + elsewhere.join(QStringLiteral(", "));
+    if (!elsewhere.empty()) {
+        shown += QStringLiteral("; there is ") + placesOf(elsewhere);
     }
     return shown;
 }

@@ -19,6 +19,9 @@ struct SoughtText {
     QString listOf(const std::vector<PanelText>& texts) const;
 };
 
+// ""Ok" at 379 237, "Ok" at 30 40": where each of them stands.
+QString placesOf(const std::vector<PanelText>& texts);
+
 // Takes the words of one from a line.
 SoughtText takeSoughtText(ScriptLine& line);
 

@@ -73,5 +73,10 @@ TEST_F(PanelContentTest, PlacesOfATagAreCounted) {
     EXPECT_EQ(placesOfTag(m_host.chip, 9).count, 0);
 }
 
+TEST_F(PanelContentTest, TagsAreListedInOrder) {
+    show(tagged(7, 10, 20, 30, 40) + tagged(3, 100, 20, 120, 40) + tagged(7, 10, 100, 30, 140));
+    EXPECT_EQ(tagsOn(m_host.chip), (std::vector<int>{3, 7}));
+}
+
 } // namespace
 } // namespace panel

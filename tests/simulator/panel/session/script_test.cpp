@@ -77,14 +77,25 @@ TEST(Script, WaitsForTheApplicationsEnd) {
 TEST(Script, MovesTheFinger) {
     const auto press = only<Finger>("press 479 271");
     EXPECT_EQ(press->kind, Finger::Kind::Press);
-    EXPECT_EQ(press->x, 479);
-    EXPECT_EQ(press->y, 271);
+    EXPECT_EQ(std::get<QPoint>(press->target), QPoint(479, 271));
     EXPECT_FALSE(press->now);
     EXPECT_TRUE(last<Finger>("press 1 2\nmove 10 20 now")->now);
     EXPECT_EQ(last<Finger>("press 1 2\nmove 10 20")->kind, Finger::Kind::Move);
     EXPECT_EQ(last<Finger>("press 1 2\nrelease")->kind, Finger::Kind::Release);
     EXPECT_TRUE(last<Finger>("press 1 2\nrelease now")->now);
     EXPECT_EQ(only<Finger>("tap 0 0")->kind, Finger::Kind::Tap);
+}
+
+TEST(Script, TheFingerGoesToTextsAndTags) {
+    EXPECT_EQ(std::get<SoughtText>(only<Finger>("tap \"Ok\"")->target).pattern, "Ok");
+    EXPECT_EQ(std::get<SoughtText>(only<Finger>("press \"5\" at 10 20 now")->target).at,
+              QPoint(10, 20));
+    EXPECT_TRUE(only<Finger>("press \"5\" now")->now);
+    EXPECT_EQ(std::get<int>(only<Finger>("tap tag 3")->target), 3);
+    EXPECT_EQ(std::get<int>(last<Finger>("press 1 2\nmove tag 4")->target), 4);
+    EXPECT_EQ(std::get<SoughtText>(only<Finger>("tap \"tag\" within 3s")->target).pattern, "tag");
+    EXPECT_THAT(errorOf("tap tag 256"), StartsWith("s.txt:1: the tag must be a whole number"));
+    EXPECT_THAT(errorOf("tap Ok"), StartsWith("s.txt:1: X must be a whole number"));
 }
 
 TEST(Script, TakesScreenshots) {
