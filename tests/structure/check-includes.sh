@@ -30,7 +30,7 @@ $c/clock                $c/base $c/memory
 $c/touch                $c/base $c/memory
 $c/flash
 $c/rom                  $c/base $c/words $c/memory
-$c/text                 $c/base $c/memory $c/rom
+$c/text                 $c/base $c/words $c/memory $c/rom
 $c/host                 $c/memory $c/text
 $c/graphics             $c/base $c/words $c/memory $c/rom
 $p/machine              $c/base $c/words $c/memory $c/clock $c/flash

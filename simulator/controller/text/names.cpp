@@ -54,11 +54,33 @@ struct NamedSpan {
     const char* name;
 };
 
+// What the values of a field are called, from 0 on; null where a number means nothing.
+using ValueNames = std::array<const char*, 32>;
+
+constexpr ValueNames noNames{};
+constexpr ValueNames primitives{nullptr,        "BITMAPS",      "POINTS",       "LINES",
+                                "LINE_STRIP",   "EDGE_STRIP_R", "EDGE_STRIP_L", "EDGE_STRIP_A",
+                                "EDGE_STRIP_B", "RECTS"};
+constexpr ValueNames tests{"NEVER",  "LESS",  "LEQUAL",   "GREATER",
+                           "GEQUAL", "EQUAL", "NOTEQUAL", "ALWAYS"};
+constexpr ValueNames stencilOperations{"ZERO", "KEEP",   "REPLACE",   "INCR",
+                                       "DECR", "INVERT", "INCR_WRAP", "DECR_WRAP"};
+constexpr ValueNames blendFactors{
+    "ZERO", "ONE", "SRC_ALPHA", "DST_ALPHA", "ONE_MINUS_SRC_ALPHA", "ONE_MINUS_DST_ALPHA"};
+constexpr ValueNames filters{"NEAREST", "BILINEAR"};
+constexpr ValueNames wraps{"BORDER", "REPEAT"};
+constexpr ValueNames channels{"ZERO", "ONE", "RED", "GREEN", "BLUE", "ALPHA"};
+constexpr ValueNames formats{"ARGB1555",     "L1",        "L4",     "L8",       "RGB332",
+                             "ARGB2",        "ARGB4",     "RGB565", "PALETTED", "TEXT8X8",
+                             "TEXTVGA",      "BARGRAPH",  nullptr,  nullptr,    "PALETTED565",
+                             "PALETTED4444", "PALETTED8", "L2"};
+
 // One field of a display-list word.
 struct Field {
-    enum Kind : std::uint8_t { End, Unsigned, Signed, Hex } kind = End;
+    enum Kind : std::uint8_t { End, Unsigned, Signed, Hex, Named } kind = End;
     std::uint8_t shift = 0;
     std::uint8_t bits = 0;
+    const ValueNames* names = &noNames;
 };
 
 struct WordForm {
@@ -75,6 +97,10 @@ constexpr Field s(int shift, int bits) {
 constexpr Field x(int shift, int bits) {
     return {Field::Hex, static_cast<std::uint8_t>(shift), static_cast<std::uint8_t>(bits)};
 }
+constexpr Field named(int shift, int bits, const ValueNames& names) {
+    return {Field::Named, static_cast<std::uint8_t>(shift), static_cast<std::uint8_t>(bits),
+            &names};
+}
 
 constexpr WordForm vertex2f{"VERTEX2F", {s(15, 15), s(0, 15)}};
 constexpr WordForm vertex2ii{"VERTEX2II", {u(21, 9), u(12, 9), u(7, 5), u(0, 7)}};
@@ -90,12 +116,13 @@ constexpr WordForm wordForms[] = {
     {"COLOR_RGB", {x(0, 24)}},
     {"BITMAP_HANDLE", {u(0, 5)}},
     {"CELL", {u(0, 7)}},
-    {"BITMAP_LAYOUT", {u(19, 5), u(9, 10), u(0, 9)}},
-    {"BITMAP_SIZE", {u(20, 1), u(19, 1), u(18, 1), u(9, 9), u(0, 9)}},
-    {"ALPHA_FUNC", {u(8, 3), u(0, 8)}},
-    {"STENCIL_FUNC", {u(16, 3), u(8, 8), u(0, 8)}},
-    {"BLEND_FUNC", {u(3, 3), u(0, 3)}},
-    {"STENCIL_OP", {u(3, 3), u(0, 3)}},
+    {"BITMAP_LAYOUT", {named(19, 5, formats), u(9, 10), u(0, 9)}},
+    {"BITMAP_SIZE",
+     {named(20, 1, filters), named(19, 1, wraps), named(18, 1, wraps), u(9, 9), u(0, 9)}},
+    {"ALPHA_FUNC", {named(8, 3, tests), u(0, 8)}},
+    {"STENCIL_FUNC", {named(16, 3, tests), u(8, 8), u(0, 8)}},
+    {"BLEND_FUNC", {named(3, 3, blendFactors), named(0, 3, blendFactors)}},
+    {"STENCIL_OP", {named(3, 3, stencilOperations), named(0, 3, stencilOperations)}},
     {"POINT_SIZE", {u(0, 13)}},
     {"LINE_WIDTH", {u(0, 12)}},
     {"CLEAR_COLOR_A", {u(0, 8)}},
@@ -114,7 +141,7 @@ constexpr WordForm wordForms[] = {
     {"SCISSOR_SIZE", {u(12, 12), u(0, 12)}},
     {"CALL", {u(0, 16)}},
     {"JUMP", {u(0, 16)}},
-    {"BEGIN", {u(0, 4)}},
+    {"BEGIN", {named(0, 4, primitives)}},
     {"COLOR_MASK", {u(3, 1), u(2, 1), u(1, 1), u(0, 1)}},
     {"END", {}},
     {"SAVE_CONTEXT", {}},
@@ -130,9 +157,15 @@ constexpr WordForm wordForms[] = {
     {"VERTEX_TRANSLATE_Y", {s(0, 17)}},
     {"NOP", {}},
     {"BITMAP_EXT_FORMAT", {u(0, 16)}},
-    {"BITMAP_SWIZZLE", {u(9, 3), u(6, 3), u(3, 3), u(0, 3)}},
+    {"BITMAP_SWIZZLE",
+     {named(9, 3, channels), named(6, 3, channels), named(3, 3, channels), named(0, 3, channels)}},
 };
 constexpr std::size_t wordFormCount = sizeof(wordForms) / sizeof(wordForms[0]);
+
+std::string nameOf(const ValueNames& names, std::uint32_t value) {
+    const char* name = names[value];
+    return name ? name : std::to_string(value);
+}
 
 std::string fieldText(const Field& field, std::uint32_t word) {
     const std::uint32_t raw = (word >> field.shift) & ((1U << field.bits) - 1U);
@@ -141,6 +174,8 @@ std::string fieldText(const Field& field, std::uint32_t word) {
         return std::to_string(signExtend(raw, field.bits));
     case Field::Hex:
         return hexadecimal(raw, 6);
+    case Field::Named:
+        return nameOf(*field.names, raw);
     case Field::Unsigned:
     case Field::End:
         break;

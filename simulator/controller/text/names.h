@@ -18,8 +18,9 @@ std::string memoryName(Generation generation, std::uint32_t address);
 // "ACTIVE"; "0x99" for a byte that is no host command.
 std::string hostCommandName(std::uint8_t command);
 
-// "VERTEX2II 240 120 0 0": name and fields in the order of the programming interface, numbers in
-// decimal, colours and addresses in hexadecimal; "0xFF000000" for a word that is none. Field
+// "VERTEX2II 240 120 0 0", "BEGIN RECTS": name and fields in the order of the programming
+// interface, what stands for one of several things by its name, numbers in decimal, colours and
+// addresses in hexadecimal; "0xFF000000" for a word that is none. Field
 // widths are those of E2 and E3 (E1's scissor words differ).
 std::string displayListWordText(std::uint32_t word);
 // The same with the generation's own field widths.

@@ -12,7 +12,7 @@ namespace panel {
 //
 //     0.134501 R REG_ID 0x7C
 //     0.135010 W REG_PCLK 0x00000005
-//     0.140233 W RAM_CMD+16 CMD_DLSTART; CMD_TEXT 160 28 30 1536 "COUNTER MODE"
+//     0.140233 W RAM_CMD+16 CMD_DLSTART; CMD_TEXT 160 28 30 OPT_CENTER "COUNTER MODE"
 //     0.001201 H ACTIVE
 //
 // Time in seconds, then R for a read, W for a write, H for a host command, the place, and what was

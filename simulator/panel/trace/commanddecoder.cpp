@@ -1,10 +1,10 @@
 #include "commanddecoder.h"
 
+#include "commandtext.h"
 #include "memorylayout.h"
 #include "names.h"
 
 #include <array>
-#include <cstring>
 #include <zlib.h>
 
 namespace panel {
@@ -16,72 +16,6 @@ namespace {
 
 constexpr std::uint32_t commandPrefix = 0xFFFFFF00;
 constexpr std::uint32_t wordBytes = 4;
-
-// How the argument words are shown, a letter each: p two signed 16-bit numbers, d a signed number,
-// x hexadecimal. Words beyond the letters are hexadecimal.
-struct ArgumentFormat {
-    Command command;
-    const char* letters;
-};
-
-constexpr ArgumentFormat argumentFormats[] = {
-    {Command::Text, "pp"},
-    {Command::Button, "ppp"},
-    {Command::Keys, "ppp"},
-    {Command::Toggle, "ppp"},
-    {Command::Number, "ppd"},
-    {Command::Gauge, "pppp"},
-    {Command::Clock, "pppp"},
-    {Command::Dial, "ppd"},
-    {Command::Slider, "pppd"},
-    {Command::Progress, "pppd"},
-    {Command::Scrollbar, "pppp"},
-    {Command::Track, "ppd"},
-    {Command::Spinner, "pp"},
-    {Command::Sketch, "ppxd"},
-    {Command::Gradient, "pxpx"},
-    {Command::GradientA, "pxpx"},
-    {Command::SetBitmap, "xpd"},
-    {Command::Snapshot2, "xxpp"},
-    {Command::GetPoint, "pxx"},
-    {Command::AnimXy, "dp"},
-    {Command::AnimFrame, "pxd"},
-    {Command::MemCpy, "xxd"},
-    {Command::Append, "xd"},
-    {Command::MemZero, "xd"},
-    {Command::MemWrite, "xd"},
-    {Command::MemSet, "xdd"},
-    {Command::MemCrc, "xdx"},
-    {Command::Translate, "xx"},
-    {Command::SetFont, "dx"},
-    {Command::SetFont2, "dxd"},
-    {Command::RomFont, "dd"},
-    {Command::Rotate, "d"},
-    {Command::BitmapTransform, "dddddddddddddx"},
-    {Command::TouchTransform, "dddddddddddddx"},
-};
-
-const char* lettersOf(Command command) {
-    for (const ArgumentFormat& format : argumentFormats) {
-        if (format.command == command) {
-            return format.letters;
-        }
-    }
-    return "";
-}
-
-QString argumentText(std::uint32_t word, char letter) {
-    switch (letter) {
-    case 'p':
-        return QStringLiteral("%1 %2")
-            .arg(static_cast<std::int16_t>(word & 0xFFFF))
-            .arg(static_cast<std::int16_t>(word >> 16));
-    case 'd':
-        return QString::number(static_cast<std::int32_t>(word));
-    default:
-        return QStringLiteral("0x") + QString::number(word, 16).toUpper();
-    }
-}
 
 std::uint32_t wordAt(const QByteArray& bytes, int at) {
     std::uint32_t word = 0;
@@ -229,13 +163,7 @@ void CommandDecoder::endPiece(QStringList& done) {
 }
 
 QString CommandDecoder::commandText() const {
-    QString text = QStringLiteral("CMD_%1").arg(m_command->name);
-    const char* letters = lettersOf(m_command->command);
-    const std::size_t lettered = std::strlen(letters);
-    for (std::size_t i = 0; i < m_arguments.size(); ++i) {
-        text += ' ' + argumentText(m_arguments[i], i < lettered ? letters[i] : 'x');
-    }
-    return text;
+    return QString::fromStdString(controller::commandText(m_generation, *m_command, m_arguments));
 }
 
 QString CommandDecoder::trailerText() const {

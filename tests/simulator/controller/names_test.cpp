@@ -84,12 +84,25 @@ TEST(Names, DisplayListWordsReadAsText) {
     EXPECT_EQ(displayListWordText(0x9E078000), "VERTEX2II 240 120 0 0");
     EXPECT_EQ(displayListWordText(0x0419190C), "COLOR_RGB 0x19190C");
     EXPECT_EQ(displayListWordText(0x26000007), "CLEAR 1 1 1");
-    EXPECT_EQ(displayListWordText(0x1F000009), "BEGIN 9");
+    EXPECT_EQ(displayListWordText(0x1F000009), "BEGIN RECTS");
     EXPECT_EQ(displayListWordText(0x0E000020), "LINE_WIDTH 32");
     EXPECT_EQ(displayListWordText(0x7FFFFFFF), "VERTEX2F -1 -1");
     EXPECT_EQ(displayListWordText(0x1501FFFF), "BITMAP_TRANSFORM_A -1");
     EXPECT_EQ(displayListWordText(0xFF123456), "0xFF123456");
     EXPECT_EQ(displayListWordText(0x3F000000), "0x3F000000");
+}
+
+TEST(Names, FieldsThatStandForOneOfSeveralThingsAreNamed) {
+    EXPECT_EQ(displayListWordText(0x1F000001), "BEGIN BITMAPS");
+    EXPECT_EQ(displayListWordText(0x1F00000F), "BEGIN 15");
+    EXPECT_EQ(displayListWordText(0x07881002), "BITMAP_LAYOUT L2 8 2");
+    EXPECT_EQ(displayListWordText(0x08181002), "BITMAP_SIZE BILINEAR REPEAT BORDER 8 2");
+    EXPECT_EQ(displayListWordText(0x09000380), "ALPHA_FUNC GREATER 128");
+    EXPECT_EQ(displayListWordText(0x0A0701FF), "STENCIL_FUNC ALWAYS 1 255");
+    EXPECT_EQ(displayListWordText(0x0B000014), "BLEND_FUNC SRC_ALPHA ONE_MINUS_SRC_ALPHA");
+    EXPECT_EQ(displayListWordText(0x0B00003F), "BLEND_FUNC 7 7");
+    EXPECT_EQ(displayListWordText(0x0C00000B), "STENCIL_OP KEEP INCR");
+    EXPECT_EQ(displayListWordText(0x2F0004E5), "BITMAP_SWIZZLE RED GREEN BLUE ALPHA");
 }
 
 TEST(Names, ScissorWordsAreNarrowerOnTheFirstGeneration) {

@@ -65,16 +65,16 @@ TEST_F(CommandDecoderTest, ReadsTextsToTheirPadding) {
                             .pair(30, 1536)
                             .bytes(QByteArray("Ok\0\0", 4))
                             .word(0x21000000)),
-                ElementsAre("CMD_TEXT 160 28 30 1536 \"Ok\"", "END"));
+                ElementsAre("CMD_TEXT 160 28 30 OPT_CENTER \"Ok\"", "END"));
     EXPECT_THAT(
         feed(20, Ring().command(0x0C).pair(1, 2).pair(3, 4).bytes(QByteArray("Full\0\0\0\0", 8))),
-        ElementsAre("CMD_TEXT 1 2 3 4 \"Full\""));
+        ElementsAre("CMD_TEXT 1 2 3 0x4 \"Full\""));
 }
 
 TEST_F(CommandDecoderTest, PutsPiecesTogether) {
     EXPECT_THAT(feed(4092, Ring().command(0x0C)), ElementsAre("CMD_TEXT ..."));
-    EXPECT_THAT(feed(0, Ring().pair(1, 2).pair(3, 4)), ElementsAre("CMD_TEXT 1 2 3 4 \"\" ..."));
-    EXPECT_THAT(feed(8, QByteArray("a\0\0\0", 4)), ElementsAre("CMD_TEXT 1 2 3 4 \"a\""));
+    EXPECT_THAT(feed(0, Ring().pair(1, 2).pair(3, 4)), ElementsAre("CMD_TEXT 1 2 3 0x4 \"\" ..."));
+    EXPECT_THAT(feed(8, QByteArray("a\0\0\0", 4)), ElementsAre("CMD_TEXT 1 2 3 0x4 \"a\""));
 }
 
 TEST_F(CommandDecoderTest, ForgetsWhatIsUnfinishedAfterAJump) {
