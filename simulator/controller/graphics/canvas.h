@@ -67,6 +67,8 @@ public:
 
     void keep();
     void takeBack();
+    // What has been drawn since.
+    const ChangedPixels& drawnSinceKept() const { return m_sinceKept; }
 
     // Brings a frame up to date that has been handed in ever since it was empty.
     void show(Frame& frame);

@@ -26,6 +26,13 @@ public:
     // Goes on until the next word is this one, or one behind it, or until the list has ended.
     void walkTo(std::size_t index);
 
+    // Executes one word, unless the list has ended.
+    void walkOn() {
+        if (m_at.running) {
+            step();
+        }
+    }
+
     // Where a walk stands. One that has gone over the same words may go on from there instead.
     struct Place {
         explicit Place(Generation generation) : state(initialState(generation)) {}

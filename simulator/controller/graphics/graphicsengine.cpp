@@ -110,6 +110,7 @@ public:
         m_workLimit = most;
     }
     std::int64_t workDone() const { return m_workDone; }
+    const BitmapHandles& handles() const { return m_handles; }
 
 private:
     struct Drawing;
@@ -285,6 +286,10 @@ const Frame& GraphicsEngine::draw(const Scene& scene) {
 
 std::vector<std::string> GraphicsEngine::walk(const Scene& scene) {
     return m_state->walk(scene);
+}
+
+const BitmapHandles& GraphicsEngine::handles() const {
+    return m_state->handles();
 }
 
 void GraphicsEngine::forget() {

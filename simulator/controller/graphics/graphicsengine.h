@@ -3,6 +3,7 @@
 #include "frame.h"
 #include "generation.h"
 #include "graphicsmemory.h"
+#include "graphicsstate.h"
 #include "memorylayout.h"
 #include "rowloops.h"
 
@@ -49,6 +50,9 @@ public:
     const Frame& draw(const Scene& scene);
     // Walks over the list for what it leaves behind, without a picture. Returns its complaints.
     std::vector<std::string> walk(const Scene& scene);
+
+    // The bitmap handles as the last list has left them, for the next one.
+    const BitmapHandles& handles() const;
 
     // Keeps nothing of the frames before: the next is drawn as a first one is.
     void forget();

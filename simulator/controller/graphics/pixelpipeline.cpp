@@ -86,6 +86,14 @@ void PixelPipeline::use(const GraphicsState& state) {
     const Scissor& scissor = state.scissor;
     m_clip = {scissor.x, scissor.y, std::min(scissor.x + scissor.width, m_canvas.width()),
               std::min(scissor.y + scissor.height, m_canvas.height())};
+    if (m_limit) {
+        m_clip = {std::max(m_clip.left, m_limit->left), std::max(m_clip.top, m_limit->top),
+                  std::min(m_clip.right, m_limit->right), std::min(m_clip.bottom, m_limit->bottom)};
+    }
+}
+
+void PixelPipeline::limitTo(const PixelRect& limit) {
+    m_limit = limit;
 }
 
 void PixelPipeline::clear(bool color, bool stencil, bool tag) {

@@ -3,23 +3,15 @@
 #include "canvas.h"
 #include "graphicsstate.h"
 #include "pixelmath.h"
+#include "pixelrect.h"
 #include "rowloops.h"
 #include "work.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace controller {
-
-// Pixels [left, right) x [top, bottom).
-struct PixelRect {
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
-
-    bool empty() const { return left >= right || top >= bottom; }
-};
 
 // The last stage of drawing: takes rows of fragments and does with each what the graphics state
 // says: alpha test, stencil test, blending, colour mask, tagging.
@@ -32,6 +24,9 @@ public:
 
     // The state to draw with from now on; it must live until the next call.
     void use(const GraphicsState& state);
+    // From the next use() on nothing is drawn outside of this, for whoever wants to know about a
+    // few pixels only. By default there is no such limit.
+    void limitTo(const PixelRect& limit);
     const PixelRect& clip() const { return m_clip; }
     // What the frame has cost. Whoever draws more than a row looks whether it is too much.
     Work& work() { return m_work; }
@@ -59,6 +54,7 @@ private:
     const RowLoops& m_loops;
     const GraphicsState* m_state = nullptr;
     PixelRect m_clip;
+    std::optional<PixelRect> m_limit;
     Work m_work;
     bool m_plain = true; // the usual blend and nothing else: fragments need no single treatment
     std::int64_t m_pixelCost = cost::plainPixel;

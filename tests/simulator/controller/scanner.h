@@ -6,6 +6,7 @@
 #include "graphicsengine.h"
 #include "graphicsmemory.h"
 #include "memorylayout.h"
+#include "pixelhistory.h"
 
 #include <algorithm>
 #include <array>
@@ -72,16 +73,35 @@ public:
 
     // Scans the words, which need not end with DISPLAY.
     const Frame& scan(int width, int height, const std::vector<std::uint32_t>& list) {
-        DisplayList whole{};
-        std::copy_n(list.begin(), std::min(list.size(), whole.size()), whole.begin());
-        const RomImage rom = romImage(m_generation);
-        const GraphicsMemory memory({0, m_general.data(), m_general.size(), m_changes.data()},
-                                    {rom.base, rom.data, rom.size, m_noChanges.data()},
-                                    paletteRegion(), m_moment);
-        return m_engine.draw({whole, memory, m_macros, width, height});
+        const DisplayList whole = filledUp(list);
+        return m_engine.draw({whole, memory(), m_macros, width, height});
+    }
+    PixelHistory history(int width, int height, const std::vector<std::uint32_t>& list, int x,
+                         int y) {
+        const DisplayList whole = filledUp(list);
+        return historyOf(m_generation, {whole, memory(), m_macros, width, height},
+                         m_engine.handles(), x, y);
+    }
+    PixelRect area(int width, int height, const std::vector<std::uint32_t>& list,
+                   const std::vector<std::size_t>& words) {
+        const DisplayList whole = filledUp(list);
+        return areaOf(m_generation, {whole, memory(), m_macros, width, height}, m_engine.handles(),
+                      words);
     }
 
 private:
+    static DisplayList filledUp(const std::vector<std::uint32_t>& list) {
+        DisplayList whole{};
+        std::copy_n(list.begin(), std::min(list.size(), whole.size()), whole.begin());
+        return whole;
+    }
+    GraphicsMemory memory() const {
+        const RomImage rom = romImage(m_generation);
+        return {{0, m_general.data(), m_general.size(), m_changes.data()},
+                {rom.base, rom.data, rom.size, m_noChanges.data()},
+                paletteRegion(),
+                m_moment};
+    }
     GraphicsMemory::Region paletteRegion() const {
         if (m_generation != Generation::E1) {
             return {};
