@@ -69,6 +69,10 @@ Controller::Chip::Chip(Generation generation, const Options& options)
 
 void Controller::Chip::setPowerDown(bool high, Nanoseconds now) {
     advance(now);
+    if (m_observer && high != m_powerDownHigh) {
+        m_observer->pinChanged(Pin::PowerDown, high, now);
+    }
+    m_powerDownHigh = high;
     if (!high) {
         m_power.pinLow();
         powerLost();
@@ -82,6 +86,9 @@ void Controller::Chip::setChipSelect(bool high, Nanoseconds now) {
     if (high != m_host.isSelected()) {
         return; // no edge
     }
+    if (m_observer && !high) {
+        m_observer->pinChanged(Pin::ChipSelect, high, now);
+    }
     if (!high) {
         m_host.select();
         m_transaction = {now, now, {}, {}};
@@ -91,6 +98,7 @@ void Controller::Chip::setChipSelect(bool high, Nanoseconds now) {
     if (m_observer) {
         m_transaction.end = now;
         m_observer->transactionEnded(m_transaction);
+        m_observer->pinChanged(Pin::ChipSelect, high, now);
     }
 }
 
@@ -181,6 +189,9 @@ void Controller::Chip::powerLost() {
     m_registers.reset();
     m_display.reset();
     m_coprocessor.reset();
+    if (m_observer) {
+        m_observer->powerLost();
+    }
     followPower();
 }
 
@@ -324,6 +335,9 @@ void Controller::Chip::swapNow() {
     m_lineSwapAt = never;
     m_registers.set(Register::DlSwap, 0);
     m_memory.exchangeDisplayLists();
+    if (m_observer) {
+        m_observer->listsExchanged();
+    }
     raise(interrupt::swap);
     if (!m_coprocessor.animates()) {
         DisplayList list;
@@ -393,6 +407,9 @@ void Controller::Chip::writeRegister(Register id, std::uint32_t value) {
         m_coprocessor.listMoved();
         break;
     case Register::CmdbWrite:
+        if (m_observer) {
+            m_observer->ringFed(m_registers[Register::CmdWrite]);
+        }
         m_coprocessor.feed(value);
         runCoprocessor();
         break;
@@ -433,6 +450,40 @@ void Controller::Chip::runCoprocessor() {
 void Controller::Chip::setCoprocessorStalled(bool stalled) {
     m_coprocessorStalled = stalled;
     runCoprocessor();
+}
+
+void Controller::Chip::setCoprocessorHalted(bool halted) {
+    m_coprocessorHalted = halted;
+    runCoprocessor();
+}
+
+bool Controller::Chip::stepCoprocessor() {
+    return coprocessorCanRun() && m_coprocessor.runOne();
+}
+
+void Controller::Chip::commandTaken(const RingCommand& command) {
+    if (m_observer) {
+        m_observer->commandTaken(command, m_now);
+    }
+}
+
+void Controller::Chip::listWordPut(std::size_t index, std::uint32_t word) {
+    if (m_observer) {
+        m_observer->listWordPut(index, word);
+    }
+}
+
+void Controller::Chip::bytesWritten(std::uint32_t address, std::uint32_t count) {
+    if (m_observer) {
+        m_observer->bytesWritten(address, count);
+    }
+}
+
+void Controller::Chip::bytesCopied(std::uint32_t destination, std::uint32_t source,
+                                   std::uint32_t count) {
+    if (m_observer) {
+        m_observer->bytesCopied(destination, source, count);
+    }
 }
 
 void Controller::Chip::ringEmptied() {

@@ -54,6 +54,12 @@ public:
     const Frame& frame() { return m_display.frame(); }
     std::uint32_t framesScanned() const override { return m_registers[Register::Frames]; }
     std::uint32_t listsSwapped() const { return m_listsSwapped; }
+    Nanoseconds now() const override { return m_now; }
+    const DisplayList& listShown() const { return m_display.list(); }
+    PixelHistory historyOf(int x, int y) const { return m_display.historyOf(x, y); }
+    PixelRect areaOf(const std::vector<std::size_t>& words) const {
+        return m_display.areaOf(words);
+    }
     std::uint8_t peek8(std::uint32_t address) const { return m_bus.peek8(address); }
     std::uint32_t peek32(std::uint32_t address) const { return m_bus.peek32(address); }
     std::uint32_t touchTagReads() const { return m_touchTagReads; }
@@ -61,6 +67,8 @@ public:
     void setIdentity(std::uint32_t chipId);
     void setAnswering(bool answering) { m_answering = answering; }
     void setCoprocessorStalled(bool stalled);
+    void setCoprocessorHalted(bool halted);
+    bool stepCoprocessor();
     std::int64_t coprocessorWork() const { return m_coprocessor.workDone(); }
     std::vector<std::uint8_t>& flash() { return m_flash.content(); }
 
@@ -77,8 +85,9 @@ private:
     std::uint32_t peekRegister(Register id) const override;
     void writeRegister(Register id, std::uint32_t value) override;
     void complainOfAccess(const char* what, std::uint32_t address) override;
+    void bytesWritten(std::uint32_t address, std::uint32_t count) override;
+    void bytesCopied(std::uint32_t destination, std::uint32_t source, std::uint32_t count) override;
     // CoprocessorPort
-    Nanoseconds now() const override { return m_now; }
     bool isScanning() const override { return m_timing.isScanning(); }
     bool isSwapPending() const override { return m_registers[Register::DlSwap] != 0; }
     const Frame& pictureShown() override { return lookAtPicture(); }
@@ -86,6 +95,9 @@ private:
     void showList(const DisplayList& list) override;
     void interruptAfter(Nanoseconds delay) override { m_interruptAt = m_now + delay; }
     void ringEmptied() override;
+    bool wantsCommands() const override { return m_observer != nullptr; }
+    void commandTaken(const RingCommand& command) override;
+    void listWordPut(std::size_t index, std::uint32_t word) override;
     // HostTarget and CoprocessorPort
     void complain(const std::string& text) override;
 
@@ -103,7 +115,8 @@ private:
     void requestSwap(std::uint32_t kind);
     void swapNow();
     void runCoprocessor();
-    bool coprocessorRuns() const { return m_power.enginesRun() && !m_coprocessorStalled; }
+    bool coprocessorCanRun() const { return m_power.enginesRun() && !m_coprocessorStalled; }
+    bool coprocessorRuns() const { return coprocessorCanRun() && !m_coprocessorHalted; }
     Nanoseconds coprocessorResumesAt() const {
         return coprocessorRuns() ? m_coprocessor.resumesAt() : never;
     }
@@ -134,6 +147,8 @@ private:
     std::optional<std::uint32_t> m_identity;
     bool m_answering = true;
     bool m_coprocessorStalled = false;
+    bool m_coprocessorHalted = false;
+    bool m_powerDownHigh = false;
 };
 
 } // namespace controller

@@ -58,6 +58,22 @@ std::uint32_t Controller::listsSwapped() const {
     return m_chip->listsSwapped();
 }
 
+Nanoseconds Controller::time() const {
+    return m_chip->now();
+}
+
+const DisplayList& Controller::listShown() const {
+    return m_chip->listShown();
+}
+
+PixelHistory Controller::historyOf(int x, int y) const {
+    return m_chip->historyOf(x, y);
+}
+
+PixelRect Controller::areaOf(const std::vector<std::size_t>& words) const {
+    return m_chip->areaOf(words);
+}
+
 std::uint8_t Controller::peek8(std::uint32_t address) const {
     return m_chip->peek8(address);
 }
@@ -96,6 +112,14 @@ void Controller::setAnswering(bool answering) {
 
 void Controller::setCoprocessorStalled(bool stalled) {
     m_chip->setCoprocessorStalled(stalled);
+}
+
+void Controller::setCoprocessorHalted(bool halted) {
+    m_chip->setCoprocessorHalted(halted);
+}
+
+bool Controller::stepCoprocessor() {
+    return m_chip->stepCoprocessor();
 }
 
 std::int64_t Controller::coprocessorWork() const {

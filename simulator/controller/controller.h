@@ -2,7 +2,10 @@
 
 #include "frame.h"
 #include "generation.h"
+#include "memorylayout.h"
+#include "pixelhistory.h"
 #include "placedtext.h"
+#include "ringcommand.h"
 #include "rowloops.h"
 
 #include <cstddef>
@@ -21,6 +24,8 @@ struct Transaction {
     std::vector<std::uint8_t> received; // as many as sent
 };
 
+enum class Pin : std::uint8_t { PowerDown, ChipSelect };
+
 // Called from inside the bus door and advance(), on the caller's thread. An observer must not
 // call back into the controller except through the const back door.
 class Observer {
@@ -31,6 +36,23 @@ public:
     // The list shown from now on is a new one (host swap or coprocessor animation).
     virtual void listSwapped(Nanoseconds /*now*/) {}
     virtual void transactionEnded(const Transaction& /*transaction*/) {}
+    // The power-down pin, or chip select, has changed.
+    virtual void pinChanged(Pin /*pin*/, bool /*high*/, Nanoseconds /*now*/) {}
+    // All memory has been forgotten.
+    virtual void powerLost() {}
+
+    // What the coprocessor does. What it puts and writes is of the last command taken, or of an
+    // animation that this one has begun.
+    virtual void commandTaken(const RingCommand& /*command*/, Nanoseconds /*now*/) {}
+    virtual void listWordPut(std::size_t /*index*/, std::uint32_t /*word*/) {}
+    virtual void bytesWritten(std::uint32_t /*address*/, std::uint32_t /*count*/) {}
+    virtual void bytesCopied(std::uint32_t /*destination*/, std::uint32_t /*source*/,
+                             std::uint32_t /*count*/) {}
+    // A word at this offset of the ring came through REG_CMDB_WRITE, in the transaction under way.
+    virtual void ringFed(std::uint32_t /*offset*/) {}
+    // The list that was written is the one shown, and the other way round.
+    virtual void listsExchanged() {}
+
     // Something the chip would not accept: an unknown command, word, register or a fault.
     virtual void complained(const std::string& /*text*/) {}
 };
@@ -83,6 +105,14 @@ public:
     std::uint32_t framesScanned() const;
     std::uint32_t listsSwapped() const;
 
+    Nanoseconds time() const; // how far the model has been brought
+    // The words that the panel shows.
+    const DisplayList& listShown() const;
+    // Which of them a pixel of the panel comes from; nothing outside of the panel.
+    PixelHistory historyOf(int x, int y) const;
+    // The pixels of the panel that these words reach, in one rectangle.
+    PixelRect areaOf(const std::vector<std::size_t>& words) const;
+
     std::uint8_t peek8(std::uint32_t address) const; // without side effects on the chip
     std::uint32_t peek32(std::uint32_t address) const;
     // Text of the strings on the panel, top to bottom, left to right; a run of characters of one
@@ -99,6 +129,11 @@ public:
 
     // true: the coprocessor takes no more commands, as if it had hung, until let go.
     void setCoprocessorStalled(bool stalled);
+
+    // true: it takes them only one by one, by stepCoprocessor(), which says whether it has done
+    // one; otherwise it has none, or what it is at waits for something else.
+    void setCoprocessorHalted(bool halted);
+    bool stepCoprocessor();
 
     // What the coprocessor has done since power-on, counted and not timed: a unit is about a
     // nanosecond of a core of 2 GHz. It does no more than some two million in a millisecond.

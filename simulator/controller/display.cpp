@@ -74,14 +74,41 @@ const Frame& Display::frame() {
     return m_turned;
 }
 
-const Frame& Display::picture() {
+Display::Size Display::pictureSize() const {
     const int side = largestSide(m_generation);
     int width = std::min(static_cast<int>(m_registers[Register::HSize]), side);
     int height = std::min(static_cast<int>(m_registers[Register::VSize]), side);
     if (turn().portrait) {
         std::swap(width, height);
     }
-    const Frame& frame = m_engine.draw(scene(std::max(width, 0), std::max(height, 0)));
+    return {std::max(width, 0), std::max(height, 0)};
+}
+
+PixelHistory Display::historyOf(int x, int y) const {
+    const Size size = pictureSize();
+    const Pixel at = turn().toPicture({x, y}, size.width, size.height);
+    if (at.x < 0 || at.y < 0 || at.x >= size.width || at.y >= size.height) {
+        return {};
+    }
+    return controller::historyOf(m_generation, scene(size.width, size.height), m_engine.handles(),
+                                 at.x, at.y);
+}
+
+PixelRect Display::areaOf(const std::vector<std::size_t>& words) const {
+    const Size size = pictureSize();
+    const PixelRect area =
+        controller::areaOf(m_generation, scene(size.width, size.height), m_engine.handles(), words);
+    if (area.empty()) {
+        return area;
+    }
+    const Pixel a = turn().toPanel({area.left, area.top}, size.width, size.height);
+    const Pixel b = turn().toPanel({area.right - 1, area.bottom - 1}, size.width, size.height);
+    return {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x) + 1, std::max(a.y, b.y) + 1};
+}
+
+const Frame& Display::picture() {
+    const Size size = pictureSize();
+    const Frame& frame = m_engine.draw(scene(size.width, size.height));
     report(frame.complaints, m_drawComplaints);
     return frame;
 }

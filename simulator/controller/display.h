@@ -4,6 +4,7 @@
 #include "generation.h"
 #include "graphicsengine.h"
 #include "memorymap.h"
+#include "pixelhistory.h"
 #include "registers.h"
 #include "turn.h"
 
@@ -37,11 +38,20 @@ public:
     // The same as it stands on the panel, which may be turned (REG_ROTATE). Characters keep their
     // places in the picture.
     const Frame& frame();
+    // Which words of the list a pixel of the panel comes from; nothing outside of the panel.
+    PixelHistory historyOf(int x, int y) const;
+    // The pixels of the panel that these words reach, in one rectangle.
+    PixelRect areaOf(const std::vector<std::size_t>& words) const;
     // The tag at a pixel of the picture; 0 outside of it.
     std::uint8_t tagAt(int x, int y);
 
 private:
     Turn turn() const;
+    struct Size {
+        int width;
+        int height;
+    };
+    Size pictureSize() const;
     Scene scene(int width, int height) const;
     void report(const std::vector<std::string>& complaints, std::vector<std::string>& before);
 

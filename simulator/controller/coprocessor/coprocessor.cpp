@@ -84,6 +84,23 @@ void Coprocessor::run() {
     }
 }
 
+bool Coprocessor::runOne() {
+    if (m_executing) {
+        return false;
+    }
+    m_executing = true;
+    m_machine.budget.refill(m_machine.port.now());
+    bool done = false;
+    while (!done && !m_machine.budget.isUsedUp() && step()) {
+        done = std::holds_alternative<Ready>(m_state);
+    }
+    m_executing = false;
+    if (m_resetDue) {
+        resetState();
+    }
+    return done;
+}
+
 Nanoseconds Coprocessor::resumesAt() const {
     const bool goesOn = m_machine.budget.isUsedUp() && !m_held && !isFaulty() && !isRingEmpty();
     return goesOn ? m_machine.budget.refilledAt() : never;
@@ -137,6 +154,9 @@ Progress Coprocessor::accept(std::uint32_t word) {
 
 Progress Coprocessor::begin(std::uint32_t word) {
     if (word >> 24U != 0xFFU) {
+        if (m_machine.port.wantsCommands()) {
+            tell({nullptr, 0, 0, {word}, {}}, readOffset());
+        }
         m_machine.list.put(word);
         return Progress::Done;
     }
@@ -144,17 +164,29 @@ Progress Coprocessor::begin(std::uint32_t word) {
     if (!command) {
         fault("unknown command " + displayListWordText(word));
     }
-    const CallReader& reader =
-        m_state.emplace<Reading>(Reading{CallReader(*command, m_machine.generation)}).reader;
-    return reader.isComplete() ? execute(reader.call()) : Progress::Done;
+    const Reading& reading =
+        m_state.emplace<Reading>(Reading{CallReader(*command, m_machine.generation), readOffset()});
+    return reading.reader.isComplete() ? execute(reading.reader.call(), reading.start)
+                                       : Progress::Done;
 }
 
 Progress Coprocessor::read(Reading& reading, std::uint32_t word) {
     reading.reader.take(word, readOffset());
-    return reading.reader.isComplete() ? execute(reading.reader.call()) : Progress::Done;
+    return reading.reader.isComplete() ? execute(reading.reader.call(), reading.start)
+                                       : Progress::Done;
 }
 
-Progress Coprocessor::execute(const Call& call) {
+// Says what is about to be carried out, whose last word is the next one of the ring.
+void Coprocessor::tell(RingCommand command, std::uint32_t start) {
+    command.offset = start;
+    command.length = ((readOffset() - start) & (ringBytes - 4)) + 4;
+    m_machine.port.commandTaken(command);
+}
+
+Progress Coprocessor::execute(const Call& call, std::uint32_t start) {
+    if (m_machine.port.wantsCommands()) {
+        tell({call.info, 0, 0, call.words, call.text}, start);
+    }
     const CommandInfo* command = call.info;
     const std::uint32_t length = command->trailer == Trailer::Bytes ? call[command->lengthWord] : 0;
     m_machine.budget.spend(WorkBudget::command);

@@ -41,6 +41,9 @@ public:
     // Takes what is in the ring. Must be called when the ring, or what a command waits for, may
     // have changed.
     void run();
+    // Takes one command, or a word for the list, with its data, as far as they are there and there
+    // is nothing to wait for. Whether it is done.
+    bool runOne();
     // When it goes on by itself with what it had no time for; `never` if there is nothing.
     Nanoseconds resumesAt() const;
     // All the work done so far, in the units of WorkBudget.
@@ -71,6 +74,7 @@ private:
     struct Ready {};
     struct Reading {
         CallReader reader;
+        std::uint32_t start; // where in the ring the command stands
     };
     struct Busy { // the last word is not taken before all is done, and paid for
         const CommandInfo* command;
@@ -88,7 +92,8 @@ private:
     Progress accept(std::uint32_t word);
     Progress begin(std::uint32_t word);
     Progress read(Reading& reading, std::uint32_t word);
-    Progress execute(const Call& call);
+    Progress execute(const Call& call, std::uint32_t start);
+    void tell(RingCommand command, std::uint32_t start);
     Progress proceed(Busy& busy);
     Progress take(Taking& taking, std::uint32_t word);
     Progress pay(Progress progress);

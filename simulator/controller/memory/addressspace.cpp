@@ -153,6 +153,11 @@ MemoryMap::Stretch AddressSpace::stretchAt(std::uint32_t address) const {
 }
 
 void AddressSpace::writeBytes(std::uint32_t address, const std::uint8_t* bytes, std::size_t count) {
+    store(address, bytes, count);
+    m_behaviour.bytesWritten(address & addressMask, static_cast<std::uint32_t>(count));
+}
+
+void AddressSpace::store(std::uint32_t address, const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         address &= addressMask;
         std::uint32_t length = 1;
@@ -177,6 +182,7 @@ void AddressSpace::writeBytes(std::uint32_t address, const std::uint8_t* bytes, 
 
 void AddressSpace::fill(std::uint32_t address, std::uint8_t value, std::uint32_t count) {
     count = clampedCount(count);
+    m_behaviour.bytesWritten(address & addressMask, count);
     while (count > 0) {
         address &= addressMask;
         std::uint32_t length = 1;
@@ -219,7 +225,8 @@ void AddressSpace::copy(std::uint32_t destination, std::uint32_t source, std::ui
         done += length;
     }
     m_latched = nullptr;
-    writeBytes(destination, bytes.data(), bytes.size());
+    store(destination, bytes.data(), bytes.size());
+    m_behaviour.bytesCopied(destination & addressMask, source & addressMask, count);
 }
 
 void AddressSpace::peekBytes(std::uint32_t address, std::uint8_t* bytes, std::size_t count) const {

@@ -20,6 +20,10 @@ public:
     virtual void writeRegister(Register id, std::uint32_t value) = 0;
     // An access to `address` that cannot be: `what` says which, "read of unmapped address".
     virtual void complainOfAccess(const char* what, std::uint32_t address) = 0;
+    // A whole operation has written `count` bytes at `address` and on.
+    virtual void bytesWritten(std::uint32_t /*address*/, std::uint32_t /*count*/) {}
+    virtual void bytesCopied(std::uint32_t /*destination*/, std::uint32_t /*source*/,
+                             std::uint32_t /*count*/) {}
 };
 
 // The chip's 22-bit address space as its two users, the host and the coprocessor, see it: memory,
@@ -64,6 +68,7 @@ private:
     bool isRegister(std::uint32_t address) const {
         return m_memory.layout().registers.contains(address);
     }
+    void store(std::uint32_t address, const std::uint8_t* bytes, std::size_t count);
     MemoryMap::Stretch stretchAt(std::uint32_t address) const;
     void commit();
     void complainOnce(std::uint32_t address, const char* what);

@@ -15,6 +15,7 @@ void ListWriter::put(std::uint32_t word) {
     }
     m_budget.spend(WorkBudget::listWord);
     m_memory.setListWord(index, word);
+    m_observer.listWordPut(index, word);
     m_full = index + 1 == displayListWords;
     m_registers.set(Register::CmdDl,
                     static_cast<std::uint32_t>((index + 1) % displayListWords * 4));

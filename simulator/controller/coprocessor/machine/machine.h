@@ -6,6 +6,7 @@
 #include "memorymap.h"
 #include "power.h"
 #include "registers.h"
+#include "ringcommand.h"
 #include "serialflash.h"
 #include "turn.h"
 #include "workbudget.h"
@@ -16,9 +17,8 @@
 namespace controller {
 
 // What the coprocessor asks of the rest of the chip.
-class CoprocessorPort {
+class CoprocessorPort : public ListObserver {
 public:
-    virtual ~CoprocessorPort() = default;
     virtual Nanoseconds now() const = 0;
     virtual bool isScanning() const = 0;
     virtual bool isSwapPending() const = 0;
@@ -32,6 +32,9 @@ public:
     virtual void showList(const DisplayList& list) = 0;
     virtual void interruptAfter(Nanoseconds delay) = 0;
     virtual void ringEmptied() = 0;
+    // Whether anybody wants to know what is taken from the ring; if so, it is about to be done.
+    virtual bool wantsCommands() const = 0;
+    virtual void commandTaken(const RingCommand& command) = 0;
     virtual void complain(const std::string& text) = 0;
 };
 
@@ -48,7 +51,7 @@ struct Machine {
     SerialFlash& flash;
     CoprocessorPort& port;
     WorkBudget budget{};
-    ListWriter list{memory, registers, budget};
+    ListWriter list{memory, registers, budget, port};
 
     bool isPortrait() const {
         return generation != Generation::E1 && Turn::of(registers[Register::Rotate]).portrait;
