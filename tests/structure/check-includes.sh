@@ -33,13 +33,14 @@ $c/rom                  $c/base $c/words $c/memory
 $c/text                 $c/base $c/words $c/memory $c/rom
 $c/host                 $c/memory $c/text
 $c/graphics             $c/base $c/words $c/memory $c/rom
+$c/history              $c/base $c/words $c/memory $c/graphics
 $p/machine              $c/base $c/words $c/memory $c/clock $c/flash
 $p/painting             $c/base $c/words $c/memory $c/rom
 $p/unpacking
 $p/animations           $c/base $c/words $c/memory $c/touch $p/machine $p/painting
 $p/commands             $c/base $c/words $c/memory $c/touch $c/flash $c/rom $p/machine $p/painting $p/unpacking $p/animations
 $p                      $c/base $c/words $c/memory $c/flash $c/text $p/machine $p/painting $p/commands
-$c                      $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $p $p/machine
+$c                      $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c/rom $c/text $c/host $c/graphics $c/history $p $p/machine
 simulator/board         simulator/board/module
 simulator/board/module
 simulator/server        Qt

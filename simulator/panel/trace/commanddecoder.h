@@ -13,8 +13,8 @@
 namespace panel {
 
 // Turns what is written into the coprocessor's ring back into commands and display-list words,
-// one text each: "CMD_TEXT 160 28 30 OPT_CENTER \"COUNTER MODE\"", "COLOR_RGB 0x19190C". A command may
-// come in several pieces, each a whole number of words (a last one that is cut is filled up).
+// one text each: "CMD_TEXT 160 28 30 OPT_CENTER \"COUNTER MODE\"", "COLOR_RGB 0x19190C". A command
+// may come in several pieces, each a whole number of words (a last one that is cut is filled up).
 //
 // Not decoded: the arguments of formatted text, which show as words, and streams other than zlib's,
 // which are taken to end with the piece in which they begin.
