@@ -9,10 +9,15 @@ namespace {
 // How much of the time that has passed the model is brought on at once: some eight frames.
 constexpr std::chrono::nanoseconds longestStep = std::chrono::milliseconds(100);
 
+// A frame is longer than that, so a step to its end passes no other.
+constexpr controller::Nanoseconds smallStep = 100'000;
+constexpr controller::Nanoseconds unscannedStep = 16'666'667;
+
 } // namespace
 
 DisplayModule::DisplayModule(controller::Generation generation) : m_controller(generation) {
-    m_controller.setObserver(this);
+    m_observers.add(this);
+    m_controller.setObserver(&m_observers);
 }
 
 DisplayModule::~DisplayModule() {
@@ -21,13 +26,73 @@ DisplayModule::~DisplayModule() {
 
 // Asked with the lock held, so that the model's time never runs backwards.
 controller::Nanoseconds DisplayModule::now() {
-    const std::chrono::nanoseconds elapsed = std::chrono::steady_clock::now() - m_start;
-    const std::chrono::nanoseconds lost = elapsed - (m_now + longestStep);
-    if (lost.count() > 0) {
-        m_start += lost;
+    const auto clock = std::chrono::steady_clock::now();
+    const std::chrono::nanoseconds passed =
+        std::min<std::chrono::nanoseconds>(clock - m_clock, longestStep);
+    m_clock = clock;
+    if (!m_paused) {
+        m_now +=
+            static_cast<controller::Nanoseconds>(static_cast<double>(passed.count()) * m_speed);
     }
-    m_now = std::min(elapsed, m_now + longestStep);
-    return static_cast<controller::Nanoseconds>(m_now.count());
+    return m_now;
+}
+
+void DisplayModule::setSpeed(double factor) {
+    const std::lock_guard lock(m_mutex);
+    now(); // until here it was another
+    m_speed = std::clamp(factor, slowest, fastest);
+}
+
+double DisplayModule::speed() const {
+    const std::lock_guard lock(m_mutex);
+    return m_speed;
+}
+
+void DisplayModule::setPaused(bool paused) {
+    const std::lock_guard lock(m_mutex);
+    pause(paused);
+}
+
+void DisplayModule::pause(bool paused) {
+    m_controller.advance(now());
+    m_paused = paused;
+    m_controller.setCoprocessorHalted(paused);
+}
+
+bool DisplayModule::isPaused() const {
+    const std::lock_guard lock(m_mutex);
+    return m_paused;
+}
+
+void DisplayModule::stepFrame() {
+    const std::lock_guard lock(m_mutex);
+    pause(true);
+    m_controller.setCoprocessorHalted(false);
+    const std::uint32_t frame = m_frames;
+    const controller::Nanoseconds start = m_now;
+    const auto isOver = [&] {
+        return m_controller.panel().scanning ? m_frames != frame : m_now - start >= unscannedStep;
+    };
+    while (!isOver()) {
+        m_controller.advance(m_now += smallStep);
+    }
+    m_controller.setCoprocessorHalted(true);
+}
+
+bool DisplayModule::stepCommand() {
+    const std::lock_guard lock(m_mutex);
+    pause(true);
+    return m_controller.stepCoprocessor();
+}
+
+void DisplayModule::addObserver(controller::Observer* observer) {
+    const std::lock_guard lock(m_mutex);
+    m_observers.add(observer);
+}
+
+void DisplayModule::removeObserver(controller::Observer* observer) {
+    const std::lock_guard lock(m_mutex);
+    m_observers.remove(observer);
 }
 
 void DisplayModule::addWatcher(Watcher* watcher) {
@@ -48,11 +113,17 @@ void DisplayModule::advance() {
 void DisplayModule::touch(int x, int y) {
     const std::lock_guard lock(m_mutex);
     m_controller.touch(x, y);
+    for (Watcher* watcher : m_watchers) {
+        watcher->touched(x, y, m_now);
+    }
 }
 
 void DisplayModule::release() {
     const std::lock_guard lock(m_mutex);
     m_controller.release();
+    for (Watcher* watcher : m_watchers) {
+        watcher->released(m_now);
+    }
 }
 
 void DisplayModule::setIdentity(std::uint32_t chipId) {

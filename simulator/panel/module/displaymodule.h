@@ -3,6 +3,7 @@
 #include "board.h"
 #include "controller.h"
 #include "fairmutex.h"
+#include "observers.h"
 #include "registers.h"
 
 #include <chrono>
@@ -25,13 +26,17 @@ public:
     virtual void touchTagRead(int /*tag*/) {}
     virtual void transactionEnded(const controller::Transaction& /*transaction*/) {}
     virtual void complained(const std::string& /*text*/) {}
+    // A finger is put on, or moved to, this panel pixel; or lifted.
+    virtual void touched(int /*x*/, int /*y*/, controller::Nanoseconds /*now*/) {}
+    virtual void released(controller::Nanoseconds /*now*/) {}
 };
 
 // The controller with its panel on the board's wires, living in real time. Every function may be
 // called from any thread.
 //
 // On a machine that cannot draw frames as fast as they are due, or that has paused the process, the
-// panel's time falls behind the clock's; it never stands still and is never made up for.
+// panel's time falls behind the clock's, which is never made up for. It stands still while it is
+// paused: the bus answers, but nothing comes to an end, and the coprocessor takes no commands.
 class DisplayModule : public board::Wires, private controller::Observer {
 public:
     explicit DisplayModule(controller::Generation generation);
@@ -40,10 +45,27 @@ public:
     // Watchers are not owned, and are called in the order in which they were added.
     void addWatcher(Watcher* watcher);
     void removeWatcher(Watcher* watcher);
+    // The same for who wants to know more; it is called in the same way.
+    void addObserver(controller::Observer* observer);
+    void removeObserver(controller::Observer* observer);
 
     // Brings the model up to the present; to be called at least 60 times a second, so that frames
     // come when they are due also while the application is silent.
     void advance();
+
+    // How fast the panel's time runs beside the clock's, from slowest to fastest.
+    static constexpr double slowest = 0.001;
+    static constexpr double fastest = 20;
+    void setSpeed(double factor);
+    double speed() const;
+    void setPaused(bool paused);
+    bool isPaused() const;
+    // These pause it, too. On to the end of a frame, with all that the coprocessor can do till
+    // then; where nothing is scanned, by a sixtieth of a second.
+    void stepFrame();
+    // The coprocessor takes one command from the ring. False: there is none, or one that waits for
+    // the end of the frame.
+    bool stepCommand();
 
     void touch(int x, int y);
     void release();
@@ -80,10 +102,15 @@ private:
     void transactionEnded(const controller::Transaction& transaction) override;
     void complained(const std::string& text) override;
 
+    void pause(bool paused);
+
     mutable FairMutex m_mutex; // guards all below
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-    std::chrono::nanoseconds m_now{0}; // how far the model has been brought
+    std::chrono::steady_clock::time_point m_clock = std::chrono::steady_clock::now();
+    double m_speed = 1;
+    bool m_paused = false;
+    controller::Nanoseconds m_now = 0; // how far the model has been brought
     controller::Controller m_controller;
+    Observers m_observers; // this among them
     std::uint32_t m_frames = 0;
     std::vector<Watcher*> m_watchers;
 };

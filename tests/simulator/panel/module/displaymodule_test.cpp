@@ -79,6 +79,70 @@ TEST_F(DisplayModuleTest, MakesUpForNoMoreThanATenthOfASecondAtOnce) {
     waitForFrames(before + 9); // it goes on
 }
 
+TEST_F(DisplayModuleTest, StandsStillWhilePausedAndAnswers) {
+    boot();
+    send({0xB0, 0x20, 0x70, 0x05});
+    waitForFrames(1);
+    m_module.setPaused(true);
+    const std::uint32_t before = m_module.counts().frames;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    m_module.advance();
+    EXPECT_EQ(m_module.counts().frames, before);
+    EXPECT_EQ(read(0x302000, 1), Bytes{0x7C});
+    m_module.setPaused(false);
+    waitForFrames(before + 1);
+}
+
+TEST_F(DisplayModuleTest, GoesOnFrameByFrame) {
+    boot();
+    m_module.stepFrame(); // nothing is scanned yet
+    EXPECT_TRUE(m_module.isPaused());
+    EXPECT_EQ(m_module.counts().frames, 0U);
+    send({0xB0, 0x20, 0x70, 0x05});
+    for (std::uint32_t frame = 1; frame <= 3; ++frame) {
+        m_module.stepFrame();
+        EXPECT_EQ(m_module.counts().frames, frame);
+    }
+}
+
+TEST_F(DisplayModuleTest, GoesOnCommandByCommand) {
+    boot();
+    m_module.setPaused(true);
+    send({0xB0, 0x80, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0x07, 0, 0, 0x26}); // DLSTART, CLEAR
+    send({0xB0, 0x20, 0xFC, 0x08, 0x00});                               // REG_CMD_WRITE
+    EXPECT_EQ(read(0x3020F8, 1), Bytes{0});                             // REG_CMD_READ
+    EXPECT_TRUE(m_module.stepCommand());
+    EXPECT_EQ(read(0x3020F8, 1), Bytes{4});
+    EXPECT_TRUE(m_module.stepCommand());
+    EXPECT_FALSE(m_module.stepCommand());
+    EXPECT_EQ(read(0x3020F8, 1), Bytes{8});
+}
+
+TEST_F(DisplayModuleTest, RunsFasterAndSlowerThanTheClock) {
+    boot();
+    const auto modelTime = [this] {
+        m_module.advance();
+        return m_module.locked([](const controller::Controller& chip) { return chip.time(); });
+    };
+    const auto timeIn20ms = [&] {
+        const controller::Nanoseconds before = modelTime();
+        const auto start = std::chrono::steady_clock::now();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        const controller::Nanoseconds passed = modelTime() - before;
+        const std::chrono::duration<double, std::nano> clock =
+            std::chrono::steady_clock::now() - start;
+        return static_cast<double>(passed) / clock.count();
+    };
+    m_module.setSpeed(0.01);
+    EXPECT_LT(timeIn20ms(), 0.1);
+    m_module.setSpeed(10);
+    const controller::Nanoseconds before = modelTime();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_GE(modelTime() - before, 200'000'000U); // ten times what has passed at least
+    m_module.setSpeed(1000);
+    EXPECT_EQ(m_module.speed(), DisplayModule::fastest);
+}
+
 TEST_F(DisplayModuleTest, CountsFramesOverPowerCycles) {
     boot();
     send({0xB0, 0x20, 0x70, 0x05});
