@@ -1,5 +1,7 @@
 #include "commandline.h"
 
+#include "console.h"
+#include "displaymodule.h"
 #include "exitstatus.h"
 #include "keys.h"
 #include "script.h"
@@ -85,11 +87,21 @@ struct Options {
                                   QStringLiteral("At the end print what crossed the bus, frames, "
                                                  "requests and the application's memory.")};
 
+    QCommandLineOption inspect{
+        QStringLiteral("inspect"),
+        QStringLiteral("Answer questions on standard input: what has drawn a pixel, what the list, "
+                       "registers and memory hold; pause and go on step by step; see below.")};
+    QCommandLineOption speed{
+        QStringLiteral("speed"),
+        QStringLiteral("How fast the panel's time runs beside the clock's, 0.001 to 20 (default "
+                       "1)."),
+        QStringLiteral("FACTOR"), QStringLiteral("1")};
+
     QList<QCommandLineOption> all() const {
         return {
             help,        version,           app,   noApp,    generation, boardDevice, boardFault,
             noServer,    answersEverything, seed,  headless, zoom,       script,      timeLimit,
-            screenshots, compare,           renew, trace,    statistics};
+            screenshots, compare,           renew, trace,    statistics, inspect,     speed};
     }
 };
 
@@ -119,6 +131,20 @@ public:
         const auto value = line.time("--" + option.names().last());
         if (!line.error().isEmpty()) {
             fail(line.error());
+        }
+        return value;
+    }
+
+    double factor(const QCommandLineOption& option, double lowest, double highest) {
+        bool ok = false;
+        const double value = m_parser.value(option).toDouble(&ok);
+        if (!ok || value < lowest || value > highest) {
+            fail(QStringLiteral("--%1 takes a number from %2 to %3, not \"%4\"")
+                     .arg(option.names().last())
+                     .arg(lowest)
+                     .arg(highest)
+                     .arg(m_parser.value(option)));
+            return 1;
         }
         return value;
     }
@@ -176,6 +202,8 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     settings.renew = parser.isSet(options.renew);
     settings.trace = parser.value(options.trace);
     settings.statistics = parser.isSet(options.statistics);
+    settings.inspect = parser.isSet(options.inspect);
+    settings.speed = reader.factor(options.speed, DisplayModule::slowest, DisplayModule::fastest);
     if (settings.renew && settings.stored.isEmpty()) {
         reader.fail(QStringLiteral("--renew stores the pictures of --compare DIR; give both"));
     }
@@ -211,6 +239,7 @@ QString helpText() {
     parser.addOptions(options.all());
     return parser.helpText() +
            QStringLiteral("\nKeys in the window; the mouse is the finger:\n%1").arg(keyHelp()) +
+           QStringLiteral("\nQuestions of --inspect, one a line:\n%1").arg(Console::help()) +
            QStringLiteral("\nCommands of a script, one a line:\n%1").arg(script::help()) +
            QStringLiteral(
                "\n"

@@ -1,7 +1,9 @@
 // The virtual instrument: see --help.
 
 #include "commandline.h"
+#include "console.h"
 #include "exitstatus.h"
+#include "lineinput.h"
 #include "panelwindow.h"
 #include "rig.h"
 #include "script.h"
@@ -15,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -74,6 +77,17 @@ void watchHeadless(panel::Rig& rig) {
         });
 }
 
+// On standard output, each answer as soon as it is there. The end of the input ends nothing else.
+std::unique_ptr<panel::LineInput> answerQuestions(panel::Rig& rig) {
+    auto input = std::make_unique<panel::LineInput>(STDIN_FILENO);
+    QObject::connect(input.get(), &panel::LineInput::line, input.get(),
+                     [console = panel::Console(rig.inspector())](const QString& line) mutable {
+                         std::printf("%s", qUtf8Printable(console.answer(line)));
+                         std::fflush(stdout);
+                     });
+    return input;
+}
+
 int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
     panel::Rig rig(settings);
     if (const panel::Rig::Failure failure = rig.start()) {
@@ -96,6 +110,10 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         QTimer::singleShot(0, session.get(), &panel::Session::start);
     } else if (headless) {
         watchHeadless(rig);
+    }
+    std::unique_ptr<panel::LineInput> questions;
+    if (settings.inspect) {
+        questions = answerQuestions(rig);
     }
     const panel::StopSignals stopSignals;
     const ExitStatus whenStopped = session ? ExitStatus::Interrupted : ExitStatus::Success;

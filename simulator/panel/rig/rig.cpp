@@ -21,6 +21,7 @@ Rig::Rig(const Settings& settings)
       m_module(settings.generation), m_finger(m_module), m_server(settings.seed),
       m_pictures(settings.screenshots) {
     m_module.addWatcher(&m_complaints);
+    m_module.setSpeed(settings.speed);
     m_pictures.compareWith(settings.stored, settings.renew);
     connect(&m_server, &ServerThread::requestReceived, this, [this](const QString& request) {
         m_requests.add(request);

@@ -6,6 +6,7 @@
 #include "complaints.h"
 #include "displaymodule.h"
 #include "exitstatus.h"
+#include "inspector.h"
 #include "linelog.h"
 #include "pictures.h"
 #include "requestlog.h"
@@ -41,6 +42,7 @@ public:
 
     DisplayModule& module() { return m_module; }
     UserFinger& finger() { return m_finger; } // for whoever takes touches of a user
+    Inspector& inspector() { return m_inspector; }
     board::Board& board() { return *m_board; }
     Application& application() { return *m_application; }
     ServerThread& server() { return m_server; }
@@ -72,6 +74,7 @@ private:
     std::unique_ptr<BusTrace> m_trace;
     DisplayModule m_module;
     UserFinger m_finger;
+    Inspector m_inspector{m_module};
     std::unique_ptr<board::Board> m_board;
     std::unique_ptr<Application> m_application;
     ServerThread m_server;

@@ -30,6 +30,8 @@ struct Settings {
     bool renew = false;
     QString trace; // file; empty: none
     bool statistics = false;
+    bool inspect = false; // answer what is asked on standard input
+    double speed = 1;     // of the panel's time beside the clock's
 };
 
 } // namespace panel

@@ -20,7 +20,7 @@ void FrameSequence::enterStep(const controller::Controller& controller) {
 
 script::FrameView FrameSequence::view(const controller::Controller& controller) const {
     return {controller, m_framesSinceEntry, controller.listsSwapped() - m_swapsAtEntry,
-            controller.touchTagReads() - m_readsAtEntry};
+            controller.touchTagReads() - m_readsAtEntry, m_inspector};
 }
 
 void FrameSequence::frameScanned(const controller::Controller& controller) {

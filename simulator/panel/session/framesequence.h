@@ -20,7 +20,8 @@ public:
     // Called with the module locked, on whichever thread brought it on.
     using Report = std::function<void(const Event&)>;
 
-    explicit FrameSequence(Report report) : m_report(std::move(report)) {}
+    explicit FrameSequence(Report report, const Inspector* inspector = nullptr)
+        : m_report(std::move(report)), m_inspector(inspector) {}
 
     // Starts with the frame now shown. Call start() and stop() with the module locked.
     void start(std::vector<script::FrameStepPtr> steps, const controller::Controller& controller);
@@ -34,6 +35,7 @@ private:
     script::FrameView view(const controller::Controller& controller) const;
 
     const Report m_report;
+    const Inspector* const m_inspector; // not owned
     std::vector<script::FrameStepPtr> m_steps;
     std::size_t m_current = 0;
     std::uint32_t m_framesSinceEntry = 0;

@@ -11,10 +11,12 @@ namespace panel {
 
 Session::Session(script::Script script, std::chrono::milliseconds timeLimit, Rig& rig)
     : m_statements(std::move(script.statements)), m_rig(rig), m_finger(rig.module()),
-      m_frames([this](const FrameSequence::Event& event) {
-          QMetaObject::invokeMethod(
-              this, [this, event] { frameStepEnded(event); }, Qt::QueuedConnection);
-      }) {
+      m_frames(
+          [this](const FrameSequence::Event& event) {
+              QMetaObject::invokeMethod(
+                  this, [this, event] { frameStepEnded(event); }, Qt::QueuedConnection);
+          },
+          &rig.inspector()) {
     m_timeLimit.setSingleShot(true);
     m_timeLimit.setInterval(timeLimit);
     connect(&m_timeLimit, &QTimer::timeout, this,

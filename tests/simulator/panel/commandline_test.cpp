@@ -94,6 +94,11 @@ TEST(CommandLine, BuildsFaultyBoards) {
                                                   "or lines-exported, not \"fire\"");
 }
 
+TEST(CommandLine, InspectsAtAnySpeed) {
+    EXPECT_TRUE(parsed({"--inspect"}).settings.inspect);
+    EXPECT_EQ(parsed({"--speed", "0.25"}).settings.speed, 0.25);
+}
+
 TEST(CommandLine, SaysWhatIsWrong) {
     EXPECT_EQ(errorOf({"--generation", "4"}),
               "--generation takes a whole number from 1 to 3, not \"4\"");
@@ -102,6 +107,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
               "--seed takes a whole number from 0 to 4294967295, not \"x\"");
     EXPECT_EQ(errorOf({"--time-limit", "90"}),
               "--time-limit must be a time such as 500ms or 2s, not \"90\"");
+    EXPECT_EQ(errorOf({"--speed", "0"}), "--speed takes a number from 0.001 to 20, not \"0\"");
     EXPECT_EQ(errorOf({"--renew"}), "--renew stores the pictures of --compare DIR; give both");
     EXPECT_EQ(errorOf({"session.txt"}), "\"session.txt\" is no option; --help lists them");
     EXPECT_EQ(errorOf({"--nonsense"}), "Unknown option 'nonsense'. --help lists the options.");

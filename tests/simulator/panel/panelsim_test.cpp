@@ -370,6 +370,21 @@ TEST_F(Panelsim, AScriptSwitchesTheServer) {
         0);
 }
 
+TEST_F(Panelsim, AnswersWhatIsAskedOnItsInput) {
+    panel::BoundProcess process;
+    start(process, {"--no-server", "--inspect", "--app", application(sayPidAndSleep)});
+    childOf(process);
+    process.write("pause\nregisters REG_ID\nnonsense\n");
+    process.closeWriteChannel();
+    QByteArray answers;
+    while (!answers.contains("no \"nonsense\"") && process.waitForReadyRead(generousMs)) {
+        answers += process.readAllStandardOutput();
+    }
+    EXPECT_TRUE(answers.contains("paused\nREG_ID  ")) << answers.toStdString();
+    process.terminate();
+    EXPECT_EQ(end(process).status, 0);
+}
+
 TEST_F(Panelsim, WithoutScriptItEndsWithTheApplication) {
     EXPECT_EQ(run({"--no-server", "--app", application("exit 0")}).status, 0);
     EXPECT_EQ(run({"--no-server", "--app", application("exit 3")}).status, 6);

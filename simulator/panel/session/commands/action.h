@@ -13,6 +13,7 @@
 
 namespace panel {
 class HeldTouch;
+class Inspector;
 class Rig;
 } // namespace panel
 
@@ -75,6 +76,8 @@ struct FrameView {
     std::uint32_t frames = 0;
     std::uint32_t swaps = 0;
     std::uint32_t touchTagReads = 0;
+    const Inspector* inspector =
+        nullptr; // for what it tells of the controller; null: there is none
 };
 
 struct FrameOutcome {

@@ -125,8 +125,8 @@ TEST_F(DisplayModuleTest, RunsFasterAndSlowerThanTheClock) {
         return m_module.locked([](const controller::Controller& chip) { return chip.time(); });
     };
     const auto timeIn20ms = [&] {
-        const controller::Nanoseconds before = modelTime();
         const auto start = std::chrono::steady_clock::now();
+        const controller::Nanoseconds before = modelTime();
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         const controller::Nanoseconds passed = modelTime() - before;
         const std::chrono::duration<double, std::nano> clock =

@@ -147,6 +147,11 @@ TEST(Script, MarksExpectsAndReports) {
     const auto held = only<ExpectRegister>("expect register REG_TOUCH_TRANSFORM_C -591770");
     EXPECT_EQ(held->id, controller::Register::TouchTransformC);
     EXPECT_EQ(held->value, -591770);
+    EXPECT_EQ(only<ExpectPixel>("expect pixel 1 2 0xCACACA")->colour, 0xCACACAU);
+    EXPECT_EQ(only<ExpectDrawnBy>("expect drawn-by 1 2 \"CMD_TEXT * \\\"Ok\\\"\"")->pattern,
+              "CMD_TEXT * \"Ok\"");
+    EXPECT_EQ(only<DumpList>("dump list list.txt")->file, "list.txt");
+    EXPECT_EQ(only<DumpRegisters>("dump registers all.txt")->file, "all.txt");
     EXPECT_EQ(only<ExpectMemoryGrowth>("expect memory-growth 64")->atMostKilobytes, 64);
 }
 
