@@ -80,9 +80,15 @@ struct Options {
                              QStringLiteral("With --compare: store the screenshots in DIR "
                                             "instead.")};
     QCommandLineOption trace{QStringLiteral("trace"),
-                             QStringLiteral("Write what crosses the SPI bus to FILE, one line for "
-                                            "each transaction."),
+                             QStringLiteral("Write to FILE, in the order of time, what crosses the "
+                                            "SPI bus, pins, words of the display list, touches, "
+                                            "requests and replies, lines of the script."),
                              QStringLiteral("FILE")};
+    QCommandLineOption traceFormat{
+        QStringLiteral("trace-format"),
+        QStringLiteral("\"text\", a line for each of these (the default), or \"vcd\": pins, bytes "
+                       "on the bus and how full the ring is, for a viewer of waveforms."),
+        QStringLiteral("FORMAT"), QStringLiteral("text")};
     QCommandLineOption statistics{QStringLiteral("stats"),
                                   QStringLiteral("At the end print what crossed the bus, frames, "
                                                  "requests and the application's memory.")};
@@ -101,7 +107,8 @@ struct Options {
         return {
             help,        version,           app,   noApp,    generation, boardDevice, boardFault,
             noServer,    answersEverything, seed,  headless, zoom,       script,      timeLimit,
-            screenshots, compare,           renew, trace,    statistics, inspect,     speed};
+            screenshots, compare,           renew, trace,    statistics, inspect,     speed,
+            traceFormat};
     }
 };
 
@@ -202,6 +209,11 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     settings.renew = parser.isSet(options.renew);
     settings.trace = parser.value(options.trace);
     settings.statistics = parser.isSet(options.statistics);
+    const QString format = parser.value(options.traceFormat);
+    settings.traceIsVcd = format == QStringLiteral("vcd");
+    if (!settings.traceIsVcd && format != QStringLiteral("text")) {
+        reader.fail(QStringLiteral("--trace-format takes text or vcd, not \"%1\"").arg(format));
+    }
     settings.inspect = parser.isSet(options.inspect);
     settings.speed = reader.factor(options.speed, DisplayModule::slowest, DisplayModule::fastest);
     if (settings.renew && settings.stored.isEmpty()) {

@@ -127,6 +127,10 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
     if (settings.statistics) {
         std::printf("%s", qUtf8Printable(rig.statistics()));
     }
+    if (const panel::Rig::Failure failure = rig.finishTrace()) {
+        const int untraced = finish(failure.status, failure.text);
+        return status == 0 ? untraced : status;
+    }
     return status;
 }
 

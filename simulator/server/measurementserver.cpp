@@ -181,6 +181,7 @@ void MeasurementServer::answer(Connection* connection, QByteArray reply,
         return connection->closeWhenSent();
     if (reply.isEmpty() || rule(Fault::Silent) != nullptr)
         return;
+    emit replied(reply);
     const FaultRule* const late = rule(Fault::Late);
     const FaultRule* const pieces = rule(Fault::Pieces);
     const auto delay = late != nullptr ? late->delay : std::chrono::milliseconds(0);

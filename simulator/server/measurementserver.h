@@ -76,6 +76,8 @@ public:
 signals:
     // A whole request has arrived, without its line feed; sent before the reply is.
     void requestReceived(QByteArray line);
+    // What is sent in answer, perhaps late or in pieces.
+    void replied(QByteArray reply);
     void connectionsChanged(int count);
     // The fault of that name does something to this request.
     void faultStruck(QString name, QByteArray request);

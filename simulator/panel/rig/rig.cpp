@@ -1,6 +1,8 @@
 #include "rig.h"
 
+#include "bustrace.h"
 #include "kernelboard.h"
+#include "vcdtrace.h"
 #include "virtualboard.h"
 
 #include <cstdio>
@@ -73,13 +75,54 @@ Rig::Failure Rig::startTrace() {
     if (m_settings.trace.isEmpty()) {
         return {};
     }
-    m_trace = std::make_unique<BusTrace>(m_settings.generation);
+    if (m_settings.traceIsVcd) {
+        m_module.locked([this](const controller::Controller& controller) {
+            m_trace = std::make_unique<VcdTrace>(controller);
+        });
+    } else {
+        m_trace = std::make_unique<BusTrace>(m_settings.generation);
+    }
     if (!m_trace->open(m_settings.trace)) {
         return {ExitStatus::FileNotWritten, QStringLiteral("cannot write the trace %1: %2")
                                                 .arg(m_settings.trace, m_trace->errorString())};
     }
-    m_module.addWatcher(m_trace.get());
+    m_module.addObserver(m_trace.get());
+    m_module.addWatcher(&m_trace->fingers());
+    traceRequests();
     return {};
+}
+
+// On the server's thread, so that they stand where they were.
+void Rig::traceRequests() {
+    m_server.apply([this](server::MeasurementServer& server) {
+        connect(&server, &server::MeasurementServer::requestReceived, &server,
+                [this](const QByteArray& line) {
+                    note(TraceEvent::Request, QString::fromLatin1(line));
+                });
+        connect(&server, &server::MeasurementServer::replied, &server,
+                [this](const QByteArray& reply) {
+                    note(TraceEvent::Reply, QString::fromLatin1(reply).trimmed());
+                });
+    });
+}
+
+void Rig::note(TraceEvent event, const QString& text) {
+    if (m_trace) {
+        m_module.locked([&](const controller::Controller& controller) {
+            m_trace->note(event, text, controller.time());
+        });
+    }
+}
+
+Rig::Failure Rig::finishTrace() {
+    const bool isWhole = !m_trace || m_module.locked([this](const controller::Controller&) {
+        return m_trace->finish();
+    });
+    if (isWhole) {
+        return {};
+    }
+    return {ExitStatus::FileNotWritten, QStringLiteral("cannot write all of the trace %1: %2")
+                                            .arg(m_settings.trace, m_trace->errorString())};
 }
 
 Rig::Failure Rig::startBoard() {

@@ -2,7 +2,6 @@
 
 #include "application.h"
 #include "board.h"
-#include "bustrace.h"
 #include "complaints.h"
 #include "displaymodule.h"
 #include "exitstatus.h"
@@ -12,6 +11,7 @@
 #include "requestlog.h"
 #include "serverthread.h"
 #include "settings.h"
+#include "trace.h"
 #include "userfinger.h"
 
 #include <QObject>
@@ -56,6 +56,11 @@ public:
 
     const PictureStore& pictures() const { return m_pictures; }
 
+    // A line of the trace, if there is one. From any thread.
+    void note(TraceEvent event, const QString& text);
+    // To be called at the end: a failure when the trace could not be written wholly.
+    Failure finishTrace();
+
     // "name: value" lines: what crossed the bus, frames, requests, the application's memory.
     QString statistics() const;
 
@@ -66,12 +71,13 @@ signals:
 
 private:
     Failure startTrace();
+    void traceRequests();
     Failure startBoard();
     void announceEnvironment() const;
 
     const Settings m_settings;
     Complaints m_complaints;
-    std::unique_ptr<BusTrace> m_trace;
+    std::unique_ptr<Trace> m_trace;
     DisplayModule m_module;
     UserFinger m_finger;
     Inspector m_inspector{m_module};

@@ -28,7 +28,8 @@ struct Settings {
     QString screenshots = QStringLiteral("."); // directory
     QString stored;                            // directory of stored pictures; empty: none
     bool renew = false;
-    QString trace; // file; empty: none
+    QString trace;           // file; empty: none
+    bool traceIsVcd = false; // otherwise text
     bool statistics = false;
     bool inspect = false; // answer what is asked on standard input
     double speed = 1;     // of the panel's time beside the clock's

@@ -62,6 +62,7 @@ void Session::play() {
 void Session::enterStatement() {
     m_entered = true;
     m_sinceEntry.start();
+    m_rig.note(TraceEvent::ScriptLine, current().text);
 }
 
 void Session::leaveStatement() {

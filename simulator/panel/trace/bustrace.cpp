@@ -1,5 +1,6 @@
 #include "bustrace.h"
 
+#include "commandtext.h"
 #include "memorylayout.h"
 #include "names.h"
 
@@ -64,16 +65,28 @@ QString hostCommand(const QByteArray& sent) {
     return text;
 }
 
+QString lineAt(controller::Nanoseconds time, const QString& text) {
+    const double seconds = static_cast<double>(time) / nanosecondsPerSecond;
+    return QString::number(seconds, 'f', 6).rightJustified(11) + ' ' + text;
+}
+
+QString commandText(controller::Generation generation, const controller::RingCommand& command) {
+    QString text =
+        QString::fromStdString(controller::commandText(generation, *command.info, command.words));
+    if (command.info->trailer == controller::Trailer::Text) {
+        text += QStringLiteral(" \"%1\"").arg(QString::fromLatin1(command.text.c_str()));
+    }
+    return text;
+}
+
 } // namespace
 
 TransactionText::TransactionText(controller::Generation generation)
     : m_generation(generation), m_ring(generation) {}
 
 QString TransactionText::of(const controller::Transaction& transaction) {
-    const double seconds = static_cast<double>(transaction.start) / nanosecondsPerSecond;
-    return QStringLiteral("%1 %2").arg(
-        QString::number(seconds, 'f', 6).rightJustified(11),
-        bodyOf(toBytes(transaction.sent), toBytes(transaction.received)));
+    return lineAt(transaction.start,
+                  bodyOf(toBytes(transaction.sent), toBytes(transaction.received)));
 }
 
 QString TransactionText::bodyOf(const QByteArray& sent, const QByteArray& received) {
@@ -139,13 +152,88 @@ QString TransactionText::displayListWords(const QByteArray& data) const {
     return words.join(QStringLiteral("; "));
 }
 
-bool BusTrace::open(const QString& path) {
-    m_file.setFileName(path);
-    return m_file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate);
+void BusTrace::add(controller::Nanoseconds now, const QString& text) {
+    endCommand();
+    m_last = now;
+    const QByteArray line = lineAt(now, text).toLatin1() + '\n';
+    if (m_inTransaction) {
+        m_waiting += line;
+    } else {
+        write(line);
+    }
+}
+
+// What a command has put into the list stands in one line.
+void BusTrace::endCommand() {
+    if (m_words.isEmpty()) {
+        return;
+    }
+    const QStringList words = std::move(m_words);
+    m_words.clear();
+    add(m_commandTime,
+        QStringLiteral("L %1 %2: %3")
+            .arg(m_firstIndex)
+            .arg(commandText(m_generation, m_command), words.join(QStringLiteral("; "))));
 }
 
 void BusTrace::transactionEnded(const controller::Transaction& transaction) {
-    m_file.write(m_text.of(transaction).toLatin1() + '\n');
+    endCommand();
+    write(m_text.of(transaction).toLatin1() + '\n' + m_waiting);
+    m_waiting.clear();
+    m_inTransaction = false;
+    m_last = transaction.end;
+}
+
+void BusTrace::pinChanged(controller::Pin pin, bool high, controller::Nanoseconds now) {
+    const bool isSelect = pin == controller::Pin::ChipSelect;
+    add(now, QStringLiteral("P %1 %2").arg(isSelect ? QStringLiteral("CS") : QStringLiteral("PD"),
+                                           high ? QStringLiteral("high") : QStringLiteral("low")));
+    m_inTransaction = m_inTransaction || (isSelect && !high);
+}
+
+void BusTrace::commandTaken(const controller::RingCommand& command, controller::Nanoseconds now) {
+    endCommand();
+    m_command = command;
+    m_commandTime = now;
+}
+
+// What comes from the ring as it is stands in its transaction already.
+void BusTrace::listWordPut(std::size_t index, std::uint32_t word) {
+    if (m_command.info == nullptr) {
+        return;
+    }
+    if (m_words.isEmpty()) {
+        m_firstIndex = index;
+    }
+    m_words += QString::fromStdString(controller::displayListWordText(m_generation, word));
+}
+
+void BusTrace::listSwapped(controller::Nanoseconds now) {
+    add(now, QStringLiteral("D"));
+}
+
+void BusTrace::complained(const std::string& text) {
+    add(m_last, QStringLiteral("! ") + QString::fromStdString(text));
+}
+
+void BusTrace::touched(int x, int y, controller::Nanoseconds now) {
+    add(now, QStringLiteral("T %1 %2").arg(x).arg(y));
+}
+
+void BusTrace::released(controller::Nanoseconds now) {
+    add(now, QStringLiteral("T up"));
+}
+
+void BusTrace::note(TraceEvent event, const QString& text, controller::Nanoseconds now) {
+    const char* const signs[] = {"<", ">", "S"};
+    add(now, QStringLiteral("%1 %2").arg(QLatin1String(signs[static_cast<int>(event)]), text));
+}
+
+bool BusTrace::finish() {
+    endCommand();
+    write(m_waiting); // of a transaction that has not come to its end
+    m_waiting.clear();
+    return Trace::finish();
 }
 
 } // namespace panel

@@ -97,6 +97,8 @@ TEST(CommandLine, BuildsFaultyBoards) {
 TEST(CommandLine, InspectsAtAnySpeed) {
     EXPECT_TRUE(parsed({"--inspect"}).settings.inspect);
     EXPECT_EQ(parsed({"--speed", "0.25"}).settings.speed, 0.25);
+    EXPECT_FALSE(parsed({"--trace-format", "text"}).settings.traceIsVcd);
+    EXPECT_TRUE(parsed({"--trace-format", "vcd"}).settings.traceIsVcd);
 }
 
 TEST(CommandLine, SaysWhatIsWrong) {
@@ -107,6 +109,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
               "--seed takes a whole number from 0 to 4294967295, not \"x\"");
     EXPECT_EQ(errorOf({"--time-limit", "90"}),
               "--time-limit must be a time such as 500ms or 2s, not \"90\"");
+    EXPECT_EQ(errorOf({"--trace-format", "xml"}), "--trace-format takes text or vcd, not \"xml\"");
     EXPECT_EQ(errorOf({"--speed", "0"}), "--speed takes a number from 0.001 to 20, not \"0\"");
     EXPECT_EQ(errorOf({"--renew"}), "--renew stores the pictures of --compare DIR; give both");
     EXPECT_EQ(errorOf({"session.txt"}), "\"session.txt\" is no option; --help lists them");

@@ -289,6 +289,9 @@ TEST_F(Panelsim, TellsWhenAFileCannotBeWritten) {
         play("end\n", "exec sleep 100", {"--no-server", "--trace", "/no/such/file"});
     EXPECT_EQ(ended.status, 8);
     expectContains(ended.error, "cannot write the trace /no/such/file");
+    const Outcome full = play("end\n", "exec sleep 100", {"--no-server", "--trace", "/dev/full"});
+    EXPECT_EQ(full.status, 8);
+    expectContains(full.error, "cannot write all of the trace /dev/full");
     EXPECT_EQ(
         play("screenshot a now\n", "exec sleep 100", {"--no-server", "--screenshots", "/proc/x"})
             .status,
@@ -326,7 +329,10 @@ TEST_F(Panelsim, TracesTheBus) {
     expectContains(ended.out, "spi-messages: 2\nspi-bytes: 6\n");
     QFile trace(path("trace"));
     ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
-    EXPECT_EQ(trace.readLine().mid(12), QByteArray("H 0x7A 0x20\n"));
+    const QByteArray lines = trace.readAll();
+    EXPECT_TRUE(lines.contains(" H 0x7A 0x20\n")) << lines.toStdString();
+    EXPECT_TRUE(lines.contains(" P CS low\n")) << lines.toStdString();
+    EXPECT_TRUE(lines.contains(" S ")) << lines.toStdString();
 }
 
 TEST_F(Panelsim, ScreenshotsAreComparedWithStoredPictures) {

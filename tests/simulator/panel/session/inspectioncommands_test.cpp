@@ -28,7 +28,8 @@ public:
     bool isFirstCall() const override { return true; }
     std::chrono::milliseconds elapsed() const override { return {}; }
     void fail(const QString& /*why*/, ExitStatus how) override { status = how; }
-    void keepPicture(const QString& /*name*/, const QImage& /*image*/) override {}
+    void keepPicture(const QString& /*name*/, const QImage& /*image*/,
+                     const std::vector<PanelText>& /*texts*/) override {}
     void endScript() override {}
     void playFrames() override {}
 

@@ -1,12 +1,21 @@
 #include "bustrace.h"
+#include "dlwords.h"
+#include "stillhost.h"
+#include "vcdtrace.h"
 
 #include <QTemporaryDir>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace panel {
 namespace {
 
+namespace cmd = controllertest::cmd;
+namespace dl = controller::dl;
+using testing::ElementsAre;
 using Bytes = std::vector<std::uint8_t>;
 
 controller::Transaction transaction(const Bytes& sent, Bytes received = {}) {
@@ -72,18 +81,122 @@ TEST_F(BusTraceTest, ReadsAndWritesThatEndBeforeTheirDataAreLinesToo) {
     EXPECT_EQ(body({0xB0, 0x80, 0x00}), "W RAM_CMD -");
 }
 
-TEST_F(BusTraceTest, WritesOneLineForEachTransaction) {
-    const QTemporaryDir directory;
-    const QString path = directory.filePath(QStringLiteral("trace.txt"));
-    {
-        BusTrace trace(controller::Generation::E3);
-        ASSERT_TRUE(trace.open(path));
-        trace.transactionEnded(transaction({0x00, 0x00, 0x00}));
-        trace.transactionEnded(transaction({0x44, 0x00, 0x00}));
+// A trace of a module's doings.
+template<typename Kind>
+class TraceOf : public testing::Test {
+protected:
+    void begin(Kind& trace) {
+        ASSERT_TRUE(trace.open(m_path));
+        m_host.module.addObserver(&trace);
+        m_host.module.addWatcher(&trace.fingers());
     }
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), QByteArray("   1.234567 H ACTIVE\n   1.234567 H CLKEXT\n"));
+    std::vector<std::string> end(Kind& trace) {
+        m_host.module.removeObserver(&trace);
+        m_host.module.removeWatcher(&trace.fingers());
+        EXPECT_TRUE(trace.finish());
+        QFile file(m_path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        std::vector<std::string> lines;
+        while (!file.atEnd()) {
+            lines.push_back(file.readLine().trimmed().toStdString());
+        }
+        return lines;
+    }
+
+    QTemporaryDir m_directory;
+    QString m_path = m_directory.filePath(QStringLiteral("trace"));
+    StillHost m_host;
+};
+
+// Without the times.
+std::vector<std::string> bodies(const std::vector<std::string>& lines) {
+    std::vector<std::string> bodies;
+    for (const std::string& line : lines) {
+        bodies.push_back(line.substr(line.find(' ') + 1));
+    }
+    return bodies;
+}
+
+using BusTraceOfAModule = TraceOf<BusTrace>;
+
+TEST_F(BusTraceOfAModule, TellsEverythingInTheOrderOfTime) {
+    BusTrace trace(controller::Generation::E3);
+    begin(trace);
+    m_host.module.touch(339, 28);
+    m_host.command({cmd::dlStart, dl::clear(true, true, true), cmd::text,
+                    controllertest::pair(1, 2), controllertest::pair(28, 0x600), 0x6B4F, 0,
+                    cmd::swap});
+    m_host.frames(1);
+    trace.note(TraceEvent::Request, QStringLiteral("START 1"), 99'000'000'000);
+    trace.note(TraceEvent::Reply, QStringLiteral("Ok"), 99'000'000'000);
+    trace.note(TraceEvent::ScriptLine, QStringLiteral("tap 1 2"), 99'000'000'000);
+    const std::vector<std::string> lines = end(trace);
+
+    EXPECT_THAT(
+        bodies(lines),
+        ElementsAre("T 339 28", "P CS low",
+                    "W RAM_CMD CMD_DLSTART; CLEAR 1 1 1; CMD_TEXT 1 2 28 OPT_CENTER \"Ok\"; "
+                    "DISPLAY; CMD_SWAP",
+                    "P CS high", "P CS low", "W REG_CMD_WRITE 0x00000020", "P CS high",
+                    testing::MatchesRegex("L 1 CMD_TEXT 1 2 28 OPT_CENTER \"Ok\": SAVE_CONTEXT; "
+                                          ".*BEGIN BITMAPS; .*; RESTORE_CONTEXT"),
+                    "D", "< START 1", "> Ok", "S tap 1 2"));
+    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end(), [](const auto& a, const auto& b) {
+        return std::stod(a) < std::stod(b);
+    }));
+}
+
+TEST_F(BusTraceOfAModule, TellsThePowerDownPinAndComplaints) {
+    BusTrace trace(controller::Generation::E3);
+    begin(trace);
+    m_host.write(0x3F0000, {1});
+    m_host.module.powerDown(false);
+    EXPECT_THAT(bodies(end(trace)),
+                ElementsAre("P CS low", testing::StartsWith("W 0x3F0000 "),
+                            testing::StartsWith("! "), "P CS high", "P PD low"));
+}
+
+TEST(TraceFile, ThatCannotBeWrittenWhollyIsNoted) {
+    BusTrace trace(controller::Generation::E3);
+    ASSERT_TRUE(trace.open(QStringLiteral("/dev/full")));
+    trace.note(TraceEvent::Reply, QStringLiteral("Ok"), 0);
+    EXPECT_FALSE(trace.finish());
+    EXPECT_FALSE(trace.errorString().isEmpty());
+}
+
+using VcdTraceOfAModule = TraceOf<VcdTrace>;
+
+TEST_F(VcdTraceOfAModule, IsAValueChangeDump) {
+    m_host.module.setPaused(false); // so that time goes on within a transaction
+    VcdTrace trace(*m_host.module.locked([](const controller::Controller& c) { return &c; }));
+    begin(trace);
+    m_host.command({cmd::dlStart, cmd::swap, cmd::dlStart});
+    m_host.module.touch(1, 1);
+    m_host.frames(1);
+    const std::vector<std::string> lines = end(trace);
+
+    const auto at = [&lines](const std::string& line) {
+        return std::find(lines.begin(), lines.end(), line) - lines.begin();
+    };
+    const auto count = static_cast<std::ptrdiff_t>(lines.size());
+    EXPECT_LT(at("$timescale 1ns $end"), at("$enddefinitions $end"));
+    EXPECT_LT(at("$var wire 1 \" CS $end"), at("$enddefinitions $end"));
+    EXPECT_LT(at("$var wire 12 % RING [11:0] $end"), at("$enddefinitions $end"));
+    EXPECT_LT(at("0\""), at("b10110000 #")); // the first byte after chip select has gone low
+    EXPECT_LT(at("b10110000 #"), at("1\""));
+    EXPECT_LT(at("b1100 %"), count); // three words, before they are taken
+    EXPECT_LT(at("b100 %"), count);  // and the one that waits for the frame
+    EXPECT_LT(at("b1100 %"), at("b100 %"));
+    EXPECT_LT(at("1("), count);
+
+    long long last = -1;
+    for (const std::string& line : lines) {
+        if (line[0] == '#') {
+            const long long time = std::stoll(line.substr(1));
+            EXPECT_GT(time, last);
+            last = time;
+        }
+    }
 }
 
 TEST_F(BusTraceTest, SaysWhenTheFileCannotBeWritten) {
