@@ -17,6 +17,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Thrown by Wires::transfer(): the message fails.
+class TransferFailed : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 // What hangs on the board's wires. Calls come from threads of the board, never two at once, and
 // the program on the board waits for transfer() to return.
 class Wires {
@@ -32,7 +38,7 @@ public:
 
     // One SPI message of `length` bytes (0 is possible). `sent` is null for a message that only
     // receives (zeros are clocked out), `received` is null for one that only sends; otherwise each
-    // has `length` bytes.
+    // has `length` bytes. A message for which TransferFailed is thrown fails with EIO.
     virtual void transfer(const std::uint8_t* sent, std::uint8_t* received, std::size_t length) = 0;
 };
 
@@ -55,6 +61,10 @@ public:
 
     // While on, every SPI message fails with EIO and does not reach the wires.
     virtual void setTransfersFail(bool fail) = 0;
+
+    // While on, nobody may open the files of the lines to write a level. A program that has them
+    // open keeps them. False where that is not for us to say.
+    virtual bool setLinesForbidden(bool /*forbidden*/) { return false; }
 
     virtual Traffic traffic() const = 0;
 

@@ -114,13 +114,16 @@ void KernelBoard::Private::transfer(const panelboard_event& event, const std::ui
     std::array<std::uint8_t, sizeof(panelboard_answer) + longestMessage> buffer{};
     std::size_t length = sizeof(panelboard_answer);
     panelboard_answer answer{event.number, 0};
-    if (m_transfersFail) {
-        answer.result = -EIO;
-    } else {
+    try {
+        if (m_transfersFail) {
+            throw TransferFailed("messages fail");
+        }
         const bool receives = event.wants_data != 0;
         m_wires.transfer(event.has_data != 0 ? sent : nullptr,
                          receives ? buffer.data() + length : nullptr, event.length);
         length += receives ? event.length : 0;
+    } catch (const TransferFailed&) {
+        answer.result = -EIO;
     }
     std::memcpy(buffer.data(), &answer, sizeof answer);
     // Refused only where the program has ended meanwhile.

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <linux/spi/spidev.h>
 #include <mutex>
 #include <poll.h>
@@ -21,6 +22,7 @@ namespace {
 
 const char* const spiNode = "/dev/spidev2.0";
 const char* const gpioDirectory = "/sys/class/gpio/";
+const char* const unwritableFile = "/proc/sys/kernel/ostype";
 
 // The lines of the display controller by their sysfs numbers.
 constexpr int linePowerDown = 799;
@@ -67,6 +69,7 @@ public:
     }
     std::string root() const { return m_testbed->root(); }
     void setTransfersFail(bool fail);
+    void setLinesForbidden(bool forbidden);
     Traffic traffic();
     void sync();
 
@@ -164,8 +167,12 @@ IoctlAnswer VirtualBoard::Private::message(const CallerMemory& argument, std::si
     if (m_transfersFail) {
         return {-1, EIO};
     }
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        transfer(*memory, i * sizeof(spi_ioc_transfer), records[i]);
+    try {
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            transfer(*memory, i * sizeof(spi_ioc_transfer), records[i]);
+        }
+    } catch (const TransferFailed&) {
+        return {-1, EIO};
     }
     return {static_cast<int>(total), 0};
 }
@@ -192,6 +199,23 @@ void VirtualBoard::Private::transfer(const CallerMemory& records, std::size_t of
 void VirtualBoard::Private::setTransfersFail(bool fail) {
     const Guard guard(m_mutex);
     m_transfersFail = fail;
+}
+
+// Permissions do not keep the superuser out, so the file becomes a link to one of the kernel's that
+// nobody at all may write.
+void VirtualBoard::Private::setLinesForbidden(bool forbidden) {
+    const Guard guard(m_mutex);
+    for (const int line : {linePowerDown, lineInterrupt, lineChipSelect}) {
+        const std::filesystem::path file = m_testbed->root() + linePath(line, "value");
+        const std::filesystem::path aside = file.string() + ".aside";
+        std::error_code error;
+        if (forbidden && !std::filesystem::exists(aside)) {
+            std::filesystem::rename(file, aside, error);
+            std::filesystem::create_symlink(unwritableFile, file, error);
+        } else if (!forbidden && std::filesystem::exists(aside)) {
+            std::filesystem::rename(aside, file, error);
+        }
+    }
 }
 
 Traffic VirtualBoard::Private::traffic() {
@@ -244,6 +268,11 @@ std::string VirtualBoard::root() const {
 
 void VirtualBoard::setTransfersFail(bool fail) {
     d->setTransfersFail(fail);
+}
+
+bool VirtualBoard::setLinesForbidden(bool forbidden) {
+    d->setLinesForbidden(forbidden);
+    return true;
 }
 
 Traffic VirtualBoard::traffic() const {

@@ -36,6 +36,7 @@ public:
     std::string root() const;
 
     void setTransfersFail(bool fail) override;
+    bool setLinesForbidden(bool forbidden) override;
     Traffic traffic() const override;
     void sync() override;
 

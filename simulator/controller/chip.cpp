@@ -231,10 +231,10 @@ void Controller::Chip::started() {
     m_display.reset();
 }
 
-void Controller::Chip::setIdentity(std::uint32_t chipId) {
+void Controller::Chip::setIdentity(std::optional<std::uint32_t> chipId) {
     m_identity = chipId;
     if (m_power.isRunning()) {
-        m_memory.putChipId(chipId);
+        m_memory.putChipId(m_identity.value_or(m_memory.layout().chipId));
     }
 }
 
@@ -483,6 +483,12 @@ void Controller::Chip::bytesCopied(std::uint32_t destination, std::uint32_t sour
                                    std::uint32_t count) {
     if (m_observer) {
         m_observer->bytesCopied(destination, source, count);
+    }
+}
+
+void Controller::Chip::breakCoprocessor() {
+    if (m_power.enginesRun()) {
+        m_coprocessor.breakDown();
     }
 }
 

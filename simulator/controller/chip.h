@@ -64,7 +64,9 @@ public:
     std::uint32_t peek32(std::uint32_t address) const { return m_bus.peek32(address); }
     std::uint32_t touchTagReads() const { return m_touchTagReads; }
     std::uint8_t lastTouchTagRead() const { return m_lastTouchTagRead; }
-    void setIdentity(std::uint32_t chipId);
+    void setIdentity(std::optional<std::uint32_t> chipId);
+    void setStartTime(Nanoseconds time) { m_power.setStartTime(time); }
+    void breakCoprocessor();
     void setAnswering(bool answering) { m_answering = answering; }
     void setCoprocessorStalled(bool stalled);
     void setCoprocessorHalted(bool halted);

@@ -106,6 +106,18 @@ void Controller::setIdentity(std::uint32_t chipId) {
     m_chip->setIdentity(chipId);
 }
 
+void Controller::setOwnIdentity() {
+    m_chip->setIdentity(std::nullopt);
+}
+
+void Controller::setStartTime(Nanoseconds time) {
+    m_chip->setStartTime(time);
+}
+
+void Controller::breakCoprocessor() {
+    m_chip->breakCoprocessor();
+}
+
 void Controller::setAnswering(bool answering) {
     m_chip->setAnswering(answering);
 }

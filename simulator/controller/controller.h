@@ -125,10 +125,14 @@ public:
 
     // --- faults, on request
     void setIdentity(std::uint32_t chipId); // the word at 0x0C0000 instead of the generation's own
+    void setOwnIdentity();                  // the generation's own again
     void setAnswering(bool answering);      // false: every read gives 0, as with no chip fitted
+    void setStartTime(Nanoseconds time);    // from the next start's ACTIVE to readable memory
 
     // true: the coprocessor takes no more commands, as if it had hung, until let go.
     void setCoprocessorStalled(bool stalled);
+    // Stops the coprocessor with a fault, as a command that it does not know would.
+    void breakCoprocessor();
 
     // true: it takes them only one by one, by stepCoprocessor(), which says whether it has done
     // one; otherwise it has none, or what it is at waits for something else.

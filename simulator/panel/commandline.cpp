@@ -45,6 +45,11 @@ struct Options {
         QStringLiteral("Build the board with a fault: no-spi-node, no-gpio-export or "
                        "lines-exported (the lines are exported already)."),
         QStringLiteral("FAULT")};
+    QCommandLineOption fault{
+        QStringLiteral("fault"),
+        QStringLiteral("Break something from the start, or \"FAULT after TIME\"; see below. May be "
+                       "given more than once."),
+        QStringLiteral("FAULT")};
     QCommandLineOption noServer{QStringLiteral("no-server"),
                                 QStringLiteral("Leave the measurement server switched off.")};
     QCommandLineOption answersEverything{
@@ -108,7 +113,7 @@ struct Options {
             help,        version,           app,   noApp,    generation, boardDevice, boardFault,
             noServer,    answersEverything, seed,  headless, zoom,       script,      timeLimit,
             screenshots, compare,           renew, trace,    statistics, inspect,     speed,
-            traceFormat};
+            traceFormat, fault};
     }
 };
 
@@ -171,6 +176,17 @@ public:
         }
     }
 
+    void faults(const QCommandLineOption& option, std::vector<FaultSpec>& faults) {
+        for (const QString& text : m_parser.values(option)) {
+            QString error;
+            if (const auto spec = parseFaultSpec(text.split(' ', Qt::SkipEmptyParts), &error)) {
+                faults.push_back(*spec);
+            } else {
+                fail(QStringLiteral("--fault: %1").arg(error));
+            }
+        }
+    }
+
     void fail(const QString& error) {
         if (m_commandLine.error.isEmpty()) {
             m_commandLine.error = error;
@@ -194,6 +210,7 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
         reader.fail(QStringLiteral("--board-fault is for boards of panelsim's own, not for the "
                                    "kernel's (--board)"));
     }
+    reader.faults(options.fault, settings.faults);
     settings.application = parser.isSet(options.app) ? parser.value(options.app)
                                                      : directory + QStringLiteral("/frontpanel");
     settings.startApplication = !parser.isSet(options.noApp);

@@ -48,11 +48,12 @@ $s/base                 Qt
 $s/module               Qt $c $c/base $c/memory simulator/board $s/base
 $s/trace                Qt $c $c/base $c/words $c/memory $c/text $s/module
 $s/inspect              Qt $c $c/base $c/words $c/memory $c/text $c/history $s/base $s/module
-$s/rig                  Qt $c $c/base simulator/board simulator/server $s/base $s/module $s/trace $s/inspect
-$s/session/commands     Qt $c $c/base $c/memory simulator/board simulator/server $s/base $s/module $s/inspect $s/rig
-$s/session              Qt $c $c/base simulator/server $s/base $s/module $s/rig $s/session/commands
-$s/window               Qt $c $c/base $s/base $s/module $s/rig
-$s                      Qt $s/base $s/module $s/inspect $s/rig $s/session $s/session/commands $s/window
+$s/faults               Qt $c $c/base $c/memory simulator/board simulator/server $s/base $s/module
+$s/rig                  Qt $c $c/base simulator/board simulator/server $s/base $s/module $s/trace $s/inspect $s/faults
+$s/session/commands     Qt $c $c/base $c/memory simulator/board simulator/server $s/base $s/module $s/inspect $s/faults $s/rig
+$s/session              Qt $c $c/base simulator/server $s/base $s/module $s/faults $s/rig $s/session/commands
+$s/window               Qt $c $c/base $s/base $s/module $s/faults $s/rig
+$s                      Qt $s/base $s/module $s/inspect $s/faults $s/rig $s/session $s/session/commands $s/window
 "
 
 # More sources than this in one folder of the virtual instrument are more than one part.

@@ -27,7 +27,7 @@ void Power::start(Nanoseconds now) {
     const std::uint32_t byDefault = (m_generation == Generation::E1 ? 48 : 60) * megahertz;
     m_frequency = m_selectedFrequency ? m_selectedFrequency : byDefault;
     m_state = State::Starting;
-    m_readyAt = now + startTime;
+    m_readyAt = now + m_startTime;
     m_enginesAt = never;
 }
 

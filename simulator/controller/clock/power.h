@@ -20,7 +20,7 @@ public:
     explicit Power(Generation generation) : m_generation(generation) {}
 
     // Time from ACTIVE to readable memory, and from there to running engines.
-    static constexpr Nanoseconds startTime = 20 * millisecond;
+    static constexpr Nanoseconds startTime = 20 * millisecond; // unless told otherwise
     static constexpr Nanoseconds engineTime = 5 * millisecond;
 
     bool isOff() const { return m_state == State::Off; }
@@ -29,6 +29,8 @@ public:
 
     void pinLow() { m_state = State::Off; }
     void pinHigh();
+    // Of the next start.
+    void setStartTime(Nanoseconds time) { m_startTime = time; }
     // Host commands.
     void active(Nanoseconds now);
     void sleep();     // STANDBY and SLEEP: memory keeps its content
@@ -54,6 +56,7 @@ private:
     State m_state = State::Off;
     std::uint32_t m_frequency = 0;
     std::uint32_t m_selectedFrequency = 0; // of the next start; 0: the default
+    Nanoseconds m_startTime = startTime;
     Nanoseconds m_readyAt = never;
     Nanoseconds m_enginesAt = never;
     Nanoseconds m_startedAt = 0;

@@ -267,6 +267,13 @@ void Coprocessor::fail(const Fault& reason) {
     m_machine.port.complain("coprocessor fault: " + text);
 }
 
+void Coprocessor::breakDown() {
+    if (!isFaulty()) {
+        m_state = Ready{}; // whichever command it was at has nothing to do with it
+        fail(Fault{"on demand"});
+    }
+}
+
 void Coprocessor::frameEnded() {
     if (!m_held && !isFaulty()) {
         m_executing = true;

@@ -55,6 +55,8 @@ public:
     // RAM_CMD takes a word at CMD_WRITE (REG_CMDB_WRITE).
     void feed(std::uint32_t word);
     std::uint32_t freeBytes() const;
+    // A fault out of nothing, for tests.
+    void breakDown();
     bool isFaulty() const { return std::holds_alternative<Faulty>(m_state); }
     // Whether an animation decides what the panel shows.
     bool animates() const { return m_commands.animate(); }

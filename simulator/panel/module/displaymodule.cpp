@@ -131,6 +131,22 @@ void DisplayModule::setIdentity(std::uint32_t chipId) {
     m_controller.setIdentity(chipId);
 }
 
+void DisplayModule::setOwnIdentity() {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setOwnIdentity();
+}
+
+void DisplayModule::setStartTime(std::chrono::milliseconds time) {
+    const std::lock_guard lock(m_mutex);
+    m_controller.setStartTime(
+        static_cast<controller::Nanoseconds>(std::chrono::nanoseconds(time).count()));
+}
+
+void DisplayModule::breakCoprocessor() {
+    const std::lock_guard lock(m_mutex);
+    m_controller.breakCoprocessor();
+}
+
 void DisplayModule::setAnswering(bool answering) {
     const std::lock_guard lock(m_mutex);
     m_controller.setAnswering(answering);

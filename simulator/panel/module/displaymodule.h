@@ -70,8 +70,11 @@ public:
     void touch(int x, int y);
     void release();
     void setIdentity(std::uint32_t chipId);
+    void setOwnIdentity();
     void setAnswering(bool answering);
+    void setStartTime(std::chrono::milliseconds time);
     void setCoprocessorStalled(bool stalled);
+    void breakCoprocessor();
 
     struct Counts {
         std::uint32_t frames = 0; // since construction, over all power cycles

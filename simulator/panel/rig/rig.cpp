@@ -21,7 +21,7 @@ Rig::Rig(const Settings& settings)
               this, [this, text] { emit complained(text); }, Qt::QueuedConnection);
       }),
       m_module(settings.generation), m_finger(m_module), m_server(settings.seed),
-      m_pictures(settings.screenshots) {
+      m_faults(m_module, m_complaints, faultDoors()), m_pictures(settings.screenshots) {
     m_module.addWatcher(&m_complaints);
     m_module.setSpeed(settings.speed);
     m_pictures.compareWith(settings.stored, settings.renew);
@@ -56,6 +56,9 @@ Rig::Failure Rig::start() {
     if (m_settings.startServer && !m_server.start()) {
         return {ExitStatus::PortTaken, m_server.error()};
     }
+    for (const FaultSpec& fault : m_settings.faults) {
+        m_faults.begin(fault);
+    }
     m_timer.start(tickMs);
     m_application = std::make_unique<Application>(m_settings.application, m_board->environment());
     m_application->setQuiet(m_settings.quietApplication);
@@ -69,6 +72,22 @@ Rig::Failure Rig::start() {
         return {ExitStatus::ApplicationNotStarted, m_application->error()};
     }
     return {};
+}
+
+Faults::Doors Rig::faultDoors() {
+    Faults::Doors doors;
+    doors.server = [this](const std::function<void(server::MeasurementServer&)>& action) {
+        m_server.apply(action);
+    };
+    doors.switchServer = [this](bool on) {
+        if (!on) {
+            m_server.stop();
+        } else if (m_settings.startServer) {
+            m_server.start();
+        }
+    };
+    doors.forbidPins = [this](bool forbidden) { m_board->setLinesForbidden(forbidden); };
+    return doors;
 }
 
 Rig::Failure Rig::startTrace() {
@@ -128,9 +147,9 @@ Rig::Failure Rig::finishTrace() {
 Rig::Failure Rig::startBoard() {
     try {
         if (m_settings.boardDevice.isEmpty()) {
-            m_board = std::make_unique<board::VirtualBoard>(m_module, m_settings.board);
+            m_board = std::make_unique<board::VirtualBoard>(m_faults.wires(), m_settings.board);
         } else {
-            m_board = std::make_unique<board::KernelBoard>(m_module,
+            m_board = std::make_unique<board::KernelBoard>(m_faults.wires(),
                                                            m_settings.boardDevice.toStdString());
         }
     } catch (const board::BoardError& error) {

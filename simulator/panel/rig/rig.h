@@ -5,6 +5,7 @@
 #include "complaints.h"
 #include "displaymodule.h"
 #include "exitstatus.h"
+#include "faults.h"
 #include "inspector.h"
 #include "linelog.h"
 #include "pictures.h"
@@ -47,6 +48,7 @@ public:
     Application& application() { return *m_application; }
     ServerThread& server() { return m_server; }
     Complaints& complaints() { return m_complaints; }
+    Faults& faults() { return m_faults; }
     RequestLog& requests() { return m_requests; }
     LineLog& log() { return m_log; } // what the application has written
 
@@ -74,6 +76,7 @@ private:
     void traceRequests();
     Failure startBoard();
     void announceEnvironment() const;
+    Faults::Doors faultDoors();
 
     const Settings m_settings;
     Complaints m_complaints;
@@ -81,9 +84,10 @@ private:
     DisplayModule m_module;
     UserFinger m_finger;
     Inspector m_inspector{m_module};
+    ServerThread m_server;
+    Faults m_faults; // the board's wires lead through it
     std::unique_ptr<board::Board> m_board;
     std::unique_ptr<Application> m_application;
-    ServerThread m_server;
     RequestLog m_requests;
     LineLog m_log;
     PictureStore m_pictures;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "faultspec.h"
 #include "generation.h"
 #include "virtualboard.h"
 
@@ -7,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <vector>
 
 namespace panel {
 
@@ -33,6 +35,7 @@ struct Settings {
     bool statistics = false;
     bool inspect = false; // answer what is asked on standard input
     double speed = 1;     // of the panel's time beside the clock's
+    std::vector<FaultSpec> faults; // that are on from the start
 };
 
 } // namespace panel

@@ -1,7 +1,7 @@
 #include "script.h"
 
 #include "command.h"
-#include "fault.h"
+#include "faultspec.h"
 #include "ordercheck.h"
 
 #include <algorithm>
@@ -97,8 +97,9 @@ QString help() {
         help += usage.size() < column ? usage.leftJustified(column) : usage + indent;
         help += text.replace('\n', indent) + '\n';
     }
-    return help + QStringLiteral("\n  FAULT is one of\n    %1\n")
-                      .arg(server::faultNames().join(QStringLiteral("\n    ")));
+    return help +
+           QStringLiteral("\n  FAULT is one of these; what is in brackets may be left out:\n") +
+           faultHelp();
 }
 
 } // namespace panel::script

@@ -1,5 +1,6 @@
 #include "panelwindow.h"
 
+#include "faultmenu.h"
 #include "messagebar.h"
 
 #include <QAction>
@@ -108,6 +109,7 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     }
     addMenus();
     addActions();
+    new FaultMenu(m_rig.faults(), menu(MenuName::Faults)); // the menu owns it
     setZoom(zoom);
 
     connect(m_messages, &MessageBar::changed, this, &PanelWindow::arrange);

@@ -68,7 +68,11 @@ TEST(CommandLine, TakesEveryOption) {
                                           "--renew",
                                           "--trace",
                                           "t",
-                                          "--stats"});
+                                          "--stats",
+                                          "--fault",
+                                          "bus-slow 7ms after 1s",
+                                          "--fault",
+                                          "server-cut"});
     EXPECT_EQ(settings.application, "/bin/true");
     EXPECT_FALSE(settings.startApplication);
     EXPECT_EQ(settings.generation, controller::Generation::E1);
@@ -84,6 +88,10 @@ TEST(CommandLine, TakesEveryOption) {
     EXPECT_TRUE(settings.renew);
     EXPECT_EQ(settings.trace, "t");
     EXPECT_TRUE(settings.statistics);
+    ASSERT_EQ(settings.faults.size(), 2U);
+    EXPECT_EQ(settings.faults[0].time.count(), 7);
+    EXPECT_EQ(settings.faults[0].after.count(), 1000);
+    EXPECT_EQ(settings.faults[1].name, "server-cut");
 }
 
 TEST(CommandLine, BuildsFaultyBoards) {

@@ -6,14 +6,34 @@ namespace panel::script {
 
 namespace {
 
-ActionPtr parseServerFault(ScriptLine& line) {
-    const QString name = line.word(QStringLiteral("the fault"));
-    const auto fault = server::faultFromName(name);
-    if (!fault) {
-        line.fail(QStringLiteral("the server knows no fault \"%1\"; it knows %2")
-                      .arg(name, server::faultNames().join(QStringLiteral(", "))));
+QString takeFaultName(ScriptLine& line) {
+    QString name = line.word(QStringLiteral("the fault"));
+    if (!faultNames().contains(name)) {
+        line.fail(QStringLiteral("there is no fault \"%1\"; there is %2")
+                      .arg(name, faultNames().join(QStringLiteral(", "))));
     }
-    return make<ServerFault>(fault.value_or(server::Fault::None));
+    return name;
+}
+
+ActionPtr parseServerFault(ScriptLine& line) {
+    QString error;
+    const auto rule = server::parseFault(line.rest(QStringLiteral("the fault")), &error);
+    if (!rule) {
+        line.fail(error);
+    }
+    return make<ServerFault>(rule.value_or(server::FaultRule()));
+}
+
+ActionPtr parseFault(ScriptLine& line) {
+    if (line.optional(QStringLiteral("off"))) {
+        return make<FaultOff>(line.atEnd() ? QString() : takeFaultName(line));
+    }
+    QString error;
+    const auto spec = parseFaultSpec(line.rest(QStringLiteral("the fault")), &error);
+    if (!spec) {
+        line.fail(error);
+    }
+    return make<FaultOn>(spec.value_or(FaultSpec()));
 }
 
 bool takeState(ScriptLine& line, const char* good, const char* bad) {
@@ -25,7 +45,12 @@ bool takeState(ScriptLine& line, const char* good, const char* bad) {
 
 const CommandTable& faultCommands() {
     static const CommandTable table{
-        {"server fault", parseServerFault, "FAULT", "misbehave from now on; see below"},
+        {"fault", parseFault, "FAULT [after TIME]",
+         "break something; see below. \"fault off [FAULT]\" mends\nthat, or everything"},
+        {"wait fault", [](ScriptLine& l) { return make<WaitFault>(takeFaultName(l)); }, "FAULT",
+         "until it has struck"},
+        {"server fault", parseServerFault, "FAULT",
+         "a fault of the server in place of others; see below,\nwithout \"server-\""},
         {"board transfers",
          [](ScriptLine& l) { return make<BoardTransfers>(takeState(l, "working", "failing")); },
          "working|failing", "whether SPI messages get through"},
@@ -48,8 +73,26 @@ const CommandTable& faultCommands() {
 
 Progress ServerFault::play(Stage& stage) const {
     stage.rig().server().apply(
-        [this](server::MeasurementServer& server) { server.setFault(fault); });
+        [this](server::MeasurementServer& server) { server.setFault(rule); });
     return Progress::Done;
+}
+
+Progress FaultOn::play(Stage& stage) const {
+    stage.rig().faults().begin(spec);
+    return Progress::Done;
+}
+
+Progress FaultOff::play(Stage& stage) const {
+    if (name.isEmpty()) {
+        stage.rig().faults().endAll();
+    } else {
+        stage.rig().faults().end(name);
+    }
+    return Progress::Done;
+}
+
+Progress WaitFault::play(Stage& stage) const {
+    return stage.rig().faults().strikes(name) > 0 ? Progress::Done : Progress::Waiting;
 }
 
 Progress BoardTransfers::play(Stage& stage) const {

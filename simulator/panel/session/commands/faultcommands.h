@@ -2,6 +2,7 @@
 
 #include "command.h"
 #include "fault.h"
+#include "faultspec.h"
 
 namespace panel::script {
 
@@ -9,10 +10,32 @@ namespace panel::script {
 const CommandTable& faultCommands();
 
 struct ServerFault : Action {
-    explicit ServerFault(server::Fault kind) : fault(kind) {}
+    explicit ServerFault(server::FaultRule asked) : rule(std::move(asked)) {}
     Progress play(Stage& stage) const override;
 
-    const server::Fault fault;
+    const server::FaultRule rule;
+};
+
+struct FaultOn : Action { // any of the table
+    explicit FaultOn(FaultSpec asked) : spec(std::move(asked)) {}
+    Progress play(Stage& stage) const override;
+
+    const FaultSpec spec;
+};
+
+struct FaultOff : Action { // without a name, of all that are on
+    explicit FaultOff(QString which) : name(std::move(which)) {}
+    Progress play(Stage& stage) const override;
+
+    const QString name;
+};
+
+struct WaitFault : Action { // until it has struck
+    explicit WaitFault(QString which) : name(std::move(which)) {}
+    Progress play(Stage& stage) const override;
+    bool takesLimit() const override { return true; }
+
+    const QString name;
 };
 
 struct BoardTransfers : Action { // whether SPI messages get through

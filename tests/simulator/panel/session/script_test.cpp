@@ -110,7 +110,7 @@ TEST(Script, CommandsTheServer) {
     const std::array<double, 4> values{1, -2.5, 3e6, 0};
     EXPECT_EQ(only<ServerValues>("server values 1 -2.5 3e6 0")->values, values);
     EXPECT_FALSE(only<ServerValues>("server values random")->values.has_value());
-    EXPECT_EQ(only<ServerFault>("server fault nul-byte")->fault, server::Fault::NulByte);
+    EXPECT_EQ(only<ServerFault>("server fault nul-byte")->rule.fault, server::Fault::NulByte);
     const auto reply = only<ServerReply>("server reply START Error");
     EXPECT_EQ(reply->command, "START");
     EXPECT_EQ(reply->reply, QByteArray("Error\n"));
@@ -216,7 +216,7 @@ TEST(Script, SaysWhichWordsThereAre) {
     EXPECT_EQ(errorOf("board transfers broken"),
               "s.txt:1: the state must be \"working\" or \"failing\", not \"broken\"");
     EXPECT_THAT(errorOf("server fault slow"),
-                StartsWith("s.txt:1: the server knows no fault \"slow\"; it knows none, si"));
+                StartsWith("s.txt:1: there is no fault \"slow\"; there is none, si"));
     EXPECT_EQ(errorOf("screenshot ../a"),
               "s.txt:1: a picture's name has letters, digits, '-', '_' and '.' only, not \"../a\"");
 }
@@ -362,11 +362,24 @@ TEST(Script, HelpHasAnEntryForEachCommandWithItsTextInAColumn) {
                                QStringLiteral("until N more frames have been scanned")));
     // What an entry's second line says stands below what its first one says.
     EXPECT_TRUE(lines.contains(QString(40, ' ') + QStringLiteral("shows what the last run left")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("  FAULT is one of")));
+    EXPECT_TRUE(help().contains(QStringLiteral("  FAULT is one of")));
+}
+
+TEST(Script, BreaksAndMends) {
+    EXPECT_EQ(only<FaultOn>("fault bus-slow 7ms")->spec.time.count(), 7);
+    EXPECT_EQ(only<FaultOn>("fault server-late 70ms for DATA? after 2s")->spec.rule.command,
+              "DATA?");
+    EXPECT_EQ(only<FaultOff>("fault off")->name, "");
+    EXPECT_EQ(only<FaultOff>("fault off bus-slow")->name, "bus-slow");
+    EXPECT_EQ(only<WaitFault>("wait fault bus-slow within 1s")->name, "bus-slow");
+    EXPECT_EQ(only<ServerFault>("server fault late 70ms for DATA?")->rule.delay.count(), 70);
+    EXPECT_THAT(errorOf("fault off slow"), StartsWith("s.txt:1: there is no fault \"slow\""));
+    EXPECT_THAT(errorOf("wait fault slow"), StartsWith("s.txt:1: there is no fault \"slow\""));
+    EXPECT_THAT(errorOf("fault bus-slow 7"), StartsWith("s.txt:1: it is written \"bus-slow"));
 }
 
 TEST(Script, HelpNamesEveryFault) {
-    for (const QString& name : server::faultNames()) {
+    for (const QString& name : faultNames()) {
         EXPECT_TRUE(help().contains(name)) << name.toStdString();
     }
 }
