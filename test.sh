@@ -60,6 +60,9 @@ slow() {
     stage "Soak" --beside --needs "Build, all of it" tests/soak/run.sh "$soak_time"
     stage "Unit tests, release" --needs "Build, all of it" \
         --results build/release/test-results ctest --preset release-unit --parallel "$unit_jobs"
+    stage "Fault matrix" --needs "Build, all of it" \
+        --ctest build/test-logs/faults.xml ctest --preset faults --parallel "$system_jobs" \
+        --output-junit "$PWD/build/test-logs/faults.xml"
     stage "Packages" --needs "Packages for boards" tests/packages/check.sh
     stage "Service on a board" --beside --needs "Packages" --results build/board/service/results \
         tests/board/service.sh
