@@ -508,6 +508,8 @@ void Controller::Chip::complain(const std::string& text) {
 
 PanelState Controller::Chip::panel() const {
     PanelState state;
+    state.powered = !m_power.isOff();
+    state.awake = m_power.isRunning();
     state.scanning = isScanning();
     const std::uint32_t driven =
         m_generation == Generation::E1

@@ -63,6 +63,9 @@ struct PanelState {
     bool displayOn = false;     // the DISP line is driven high
     int backlight = 128;        // 0 dark .. 128 full
     double framesPerSecond = 0; // of the scan; 0 while nothing is scanned
+    // Why nothing may be scanned:
+    bool powered = true; // the PD pin is high
+    bool awake = true;   // the chip's clock runs
 };
 
 struct Options {

@@ -7,12 +7,6 @@
 
 namespace panel {
 
-namespace {
-
-constexpr int fullBacklight = 128;
-
-} // namespace
-
 PanelView::PanelView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::PointingHandCursor);
@@ -34,22 +28,7 @@ void PanelView::show(const QImage& picture, const controller::PanelState& state)
 
 void PanelView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    if (m_picture.isNull() || !m_state.scanning || !m_state.displayOn) {
-        paintDark(painter);
-        return;
-    }
-    painter.drawImage(rect(), m_picture);
-    const int dark = fullBacklight - std::clamp(m_state.backlight, 0, fullBacklight);
-    painter.fillRect(rect(), QColor(0, 0, 0, dark * 255 / fullBacklight));
-}
-
-void PanelView::paintDark(QPainter& painter) const {
-    painter.fillRect(rect(), Qt::black);
-    painter.setPen(Qt::gray);
-    painter.drawText(rect(), Qt::AlignCenter,
-                     m_state.scanning ? tr("The display is switched off")
-                                      : tr("The panel gets no picture: the controller is not "
-                                           "running or its pixel clock stands still"));
+    paintAppearance(painter, rect(), m_picture, m_state);
 }
 
 QPoint PanelView::pixelAt(QPoint position) const {

@@ -1,16 +1,13 @@
 #pragma once
 
-#include "controller.h"
+#include "appearance.h"
 
-#include <QImage>
 #include <QWidget>
 
 namespace panel {
 
-constexpr QSize panelSize(480, 272);
-
-// Shows a finished picture of the panel in whole screen pixels per panel pixel, as bright as the
-// backlight makes it, and takes the mouse for the finger.
+// Shows what somebody in front of the panel sees in whole screen pixels per panel pixel, and takes
+// the mouse for the finger.
 class PanelView : public QWidget {
     Q_OBJECT
 
@@ -36,7 +33,6 @@ protected:
 
 private:
     QPoint pixelAt(QPoint position) const;
-    void paintDark(QPainter& painter) const;
 
     int m_zoom = 1;
     QImage m_picture;

@@ -24,6 +24,20 @@ std::uint32_t chipIdOf(Generation generation) {
     return 0x00011508;
 }
 
+TEST_P(PowerOfEveryGeneration, ItsStateIsSeenFromOutside) {
+    Host host(GetParam());
+    EXPECT_FALSE(host.chip.panel().powered);
+    EXPECT_FALSE(host.chip.panel().awake);
+    host.chip.setPowerDown(true, host.now);
+    EXPECT_TRUE(host.chip.panel().powered);
+    EXPECT_FALSE(host.chip.panel().awake) << "no ACTIVE yet";
+    host.boot();
+    EXPECT_TRUE(host.chip.panel().awake);
+    host.hostCommand(0x41);
+    EXPECT_FALSE(host.chip.panel().awake) << "in standby";
+    EXPECT_TRUE(host.chip.panel().powered);
+}
+
 TEST_P(PowerOfEveryGeneration, ReadsGiveZeroUntilTheChipIsActiveAndStarted) {
     Host host(GetParam());
     EXPECT_EQ(host.read8(host.at.id()), 0);

