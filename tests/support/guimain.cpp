@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
     const QTemporaryDir runtime; // Qt would make one that stays
     qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
     const QApplication application(argc, argv);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int fullBacklight = 128;
 constexpr int linesOfWhat = 10; // so many lines of large letters would fill the panel's height
-constexpr int linesOfWhy = 17;
+constexpr int linesOfWhy = 20;
 
 QFont fontOf(const QPainter& painter, int pixels) {
     QFont font = painter.font();
