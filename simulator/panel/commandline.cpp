@@ -66,15 +66,17 @@ struct Options {
                             QStringLiteral("Window pixels per panel pixel, 1 to 4 (default 2)."),
                             QStringLiteral("N"), QStringLiteral("2")};
     QCommandLineOption script{QStringLiteral("script"),
-                              QStringLiteral("Play a session; see below."), QStringLiteral("FILE")};
+                              QStringLiteral("Play a session; see below. \"-\": standard input."),
+                              QStringLiteral("FILE")};
     QCommandLineOption timeLimit{QStringLiteral("time-limit"),
                                  QStringLiteral("Longest time for the whole session, such as 90s "
                                                 "(default 300s)."),
                                  QStringLiteral("TIME"), QStringLiteral("300s")};
-    QCommandLineOption screenshots{QStringLiteral("screenshots"),
-                                   QStringLiteral("Directory for screenshots, created if missing "
-                                                  "(default: the working directory)."),
-                                   QStringLiteral("DIR"), QStringLiteral(".")};
+    QCommandLineOption screenshots{
+        QStringLiteral("screenshots"),
+        QStringLiteral("Directory for screenshots, created if missing "
+                       "(default: screenshots, in the working directory)."),
+        QStringLiteral("DIR"), QStringLiteral("screenshots")};
     QCommandLineOption compare{
         QStringLiteral("compare"),
         QStringLiteral("Compare each screenshot with DIR/NAME.png, every pixel, instead of keeping "

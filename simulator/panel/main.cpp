@@ -4,6 +4,7 @@
 #include "console.h"
 #include "exitstatus.h"
 #include "lineinput.h"
+#include "messagebar.h"
 #include "panelwindow.h"
 #include "rig.h"
 #include "script.h"
@@ -22,6 +23,8 @@
 namespace {
 
 using panel::ExitStatus;
+
+const auto standardInput = QStringLiteral("-"); // in a script's place
 
 int finish(ExitStatus status, const QString& message) {
     if (!message.isEmpty()) {
@@ -52,15 +55,22 @@ QStringList argumentList(int argc, char* argv[]) {
     return arguments;
 }
 
+// Of a script, in messages.
+QString nameOf(const QString& path) {
+    return path == standardInput ? QStringLiteral("standard input") : path;
+}
+
 panel::script::Script readScript(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const bool isOpen = path == standardInput ? file.open(stdin, QIODevice::ReadOnly)
+                                              : file.open(QIODevice::ReadOnly);
+    if (!isOpen) {
         panel::script::Script script;
         script.errors +=
             QStringLiteral("cannot read the script %1: %2").arg(path, file.errorString());
         return script;
     }
-    return panel::script::parse(QString::fromUtf8(file.readAll()), path);
+    return panel::script::parse(QString::fromUtf8(file.readAll()), nameOf(path));
 }
 
 // Without window and script there is nobody to restart the application: panelsim ends with it.
@@ -99,13 +109,22 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         QApplication::setQuitOnLastWindowClosed(false); // the status is decided below
         window->show();
     }
+    // With a window: of a script that has failed, whose window the user still looks at.
+    ExitStatus whenStopped =
+        settings.script.isEmpty() ? ExitStatus::Success : ExitStatus::Interrupted;
     std::unique_ptr<panel::Session> session;
     if (!settings.script.isEmpty()) {
         session = std::make_unique<panel::Session>(script, settings.timeLimit, rig);
-        session->setName(settings.script);
+        session->setName(nameOf(settings.script));
         QObject::connect(session.get(), &panel::Session::ended, QCoreApplication::instance(),
-                         [](ExitStatus status, const QString& message) {
-                             QCoreApplication::exit(finish(status, message));
+                         [&](ExitStatus status, const QString& message) {
+                             finish(status, message);
+                             whenStopped = status;
+                             if (window && status != ExitStatus::Success) {
+                                 window->messages().showProblem(message);
+                             } else {
+                                 QCoreApplication::exit(static_cast<int>(status));
+                             }
                          });
         QTimer::singleShot(0, session.get(), &panel::Session::start);
     } else if (headless) {
@@ -116,12 +135,11 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         questions = answerQuestions(rig);
     }
     const panel::StopSignals stopSignals;
-    const ExitStatus whenStopped = session ? ExitStatus::Interrupted : ExitStatus::Success;
     QObject::connect(&stopSignals, &panel::StopSignals::received, QCoreApplication::instance(),
-                     [whenStopped] { QCoreApplication::exit(finish(whenStopped, {})); });
+                     [&whenStopped] { QCoreApplication::exit(static_cast<int>(whenStopped)); });
     if (window) {
         QObject::connect(window.get(), &panel::PanelWindow::closed, QCoreApplication::instance(),
-                         [whenStopped] { QCoreApplication::exit(finish(whenStopped, {})); });
+                         [&whenStopped] { QCoreApplication::exit(static_cast<int>(whenStopped)); });
     }
     const int status = QCoreApplication::exec();
     if (settings.statistics) {

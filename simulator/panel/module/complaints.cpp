@@ -22,10 +22,11 @@ void Complaints::allow(const QString& pattern) {
 
 void Complaints::complained(const std::string& text) {
     const std::lock_guard lock(m_mutex);
+    const QString complaint = QString::fromStdString(text);
     if (++m_counts[text] == 1) {
         std::fprintf(stderr, "panelsim: controller: %s\n", text.c_str());
+        m_heard(complaint);
     }
-    const QString complaint = QString::fromStdString(text);
     const bool allowed =
         std::any_of(m_allowed.begin(), m_allowed.end(), [&complaint](const QString& pattern) {
             return matchesPattern(pattern, complaint);

@@ -17,7 +17,10 @@ class Complaints : public Watcher {
 public:
     // `failed` is called for the first complaint that is not allowed, with the module locked, on
     // whichever thread brought it on.
-    explicit Complaints(std::function<void(const QString&)> failed) : m_failed(std::move(failed)) {}
+    // `heard` for each one that is new, allowed or not.
+    Complaints(std::function<void(const QString&)> failed,
+               std::function<void(const QString&)> heard)
+        : m_failed(std::move(failed)), m_heard(std::move(heard)) {}
     ~Complaints() override; // writes the counts
 
     // Complaints like `pattern` (matchesPattern()) are no failure from now on.
@@ -30,6 +33,7 @@ private:
     std::map<std::string, int> m_counts;
     QStringList m_allowed;
     const std::function<void(const QString&)> m_failed;
+    const std::function<void(const QString&)> m_heard;
     bool m_reported = false;
 };
 

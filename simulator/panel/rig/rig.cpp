@@ -16,10 +16,16 @@ constexpr int tickMs = 5; // well within a frame, so that frames come when they 
 } // namespace
 
 Rig::Rig(const Settings& settings)
-    : m_settings(settings), m_complaints([this](const QString& text) {
-          QMetaObject::invokeMethod(
-              this, [this, text] { emit complained(text); }, Qt::QueuedConnection);
-      }),
+    : m_settings(settings),
+      m_complaints(
+          [this](const QString& text) {
+              QMetaObject::invokeMethod(
+                  this, [this, text] { emit complained(text); }, Qt::QueuedConnection);
+          },
+          [this](const QString& text) {
+              QMetaObject::invokeMethod(
+                  this, [this, text] { emit complaintHeard(text); }, Qt::QueuedConnection);
+          }),
       m_module(settings.generation), m_finger(m_module), m_server(settings.seed),
       m_faults(m_module, m_complaints, faultDoors()), m_pictures(settings.screenshots) {
     m_module.addWatcher(&m_complaints);

@@ -68,8 +68,9 @@ public:
 
 signals:
     void ticked(); // about every 5 ms, after the model has been brought up to the present
-    void complained(const QString& text); // the first complaint that is not allowed
-    void requestReceived();               // it is in requests() now
+    void complained(const QString& text);     // the first complaint that is not allowed
+    void complaintHeard(const QString& text); // each one that is new, allowed or not
+    void requestReceived();                   // it is in requests() now
 
 private:
     Failure startTrace();

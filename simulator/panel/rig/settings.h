@@ -27,8 +27,8 @@ struct Settings {
     int zoom = 2;   // window pixels per panel pixel
     QString script; // empty: none
     std::chrono::milliseconds timeLimit{300000};
-    QString screenshots = QStringLiteral("."); // directory
-    QString stored;                            // directory of stored pictures; empty: none
+    QString screenshots = QStringLiteral("screenshots"); // directory
+    QString stored; // directory of stored pictures; empty: none
     bool renew = false;
     QString trace;           // file; empty: none
     bool traceIsVcd = false; // otherwise text

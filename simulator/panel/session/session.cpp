@@ -79,6 +79,13 @@ void Session::checkLimit() {
     }
 }
 
+QString Session::progress() const {
+    if (isOver() || m_current >= m_statements.size()) {
+        return QStringLiteral("%1 is over").arg(m_name);
+    }
+    return QStringLiteral("%1:%2: %3").arg(m_name).arg(current().line).arg(current().text);
+}
+
 void Session::endScript() {
     if (m_pictureFailures.isEmpty()) {
         end(ExitStatus::Success, {});

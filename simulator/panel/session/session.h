@@ -31,6 +31,9 @@ public:
 
     void start();
 
+    // What it is at: "tour.session:12: tap 339 28"; when it is over, that.
+    QString progress() const;
+
 signals:
     // Once. `message` is empty after success.
     void ended(panel::ExitStatus status, const QString& message);

@@ -5,12 +5,15 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace panel {
 
 namespace {
 
 constexpr int noticeMs = 5000;
 constexpr int sideMargin = 8;
+constexpr int problemsShown = 3;
 // Legible beside a light desktop and a dark one.
 constexpr QRgb problemBackground = 0xFF8C1D18;
 constexpr QRgb problemText = 0xFFFFFFFF;
@@ -63,7 +66,7 @@ MessageBar::MessageBar(QWidget* parent)
     m_noticeTime.setSingleShot(true);
     m_noticeTime.setInterval(noticeMs);
     connect(&m_noticeTime, &QTimer::timeout, this, [this] { set(m_notice, {}); });
-    connect(close, &QToolButton::clicked, this, [this] { showProblem({}); });
+    connect(close, &QToolButton::clicked, this, [this] { closeProblems(); });
 }
 
 void MessageBar::setProgress(const QString& text) {
@@ -77,8 +80,19 @@ void MessageBar::showNotice(const QString& text) {
 }
 
 void MessageBar::showProblem(const QString& text) {
-    m_problemFrame->setVisible(!text.isEmpty());
-    set(m_problem, text);
+    m_problems += text;
+    QStringList lines = m_problems.mid(std::max(0, m_problems.size() - problemsShown));
+    if (lines.size() < m_problems.size()) {
+        lines.prepend(tr("(%1 before these)").arg(m_problems.size() - lines.size()));
+    }
+    m_problemFrame->show();
+    set(m_problem, lines.join('\n'));
+}
+
+void MessageBar::closeProblems() {
+    m_problems.clear();
+    m_problemFrame->hide();
+    set(m_problem, {});
 }
 
 void MessageBar::set(QLabel* label, const QString& text) {

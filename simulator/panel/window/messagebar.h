@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QStringList>
 #include <QTimer>
 
 class QLabel;
@@ -17,8 +18,8 @@ public:
 
     void setProgress(const QString& text); // empty: there is no script
     void showNotice(const QString& text);  // goes by itself after some seconds
-    // Stays until the user closes it, or until the next one. `text` is shown as it is, in as many
-    // lines as it needs.
+    // Stays until the user closes it. `text` is shown as it is, in as many lines as it needs; of
+    // many problems the last three are shown.
     void showProblem(const QString& text);
 
     QString progress() const;
@@ -29,6 +30,7 @@ signals:
     void changed(); // it may need another height for its width
 
 private:
+    void closeProblems();
     void set(QLabel* label, const QString& text);
 
     QLabel* const m_progress;
@@ -36,6 +38,7 @@ private:
     QLabel* const m_problem;
     QFrame* const m_problemFrame;
     QTimer m_noticeTime;
+    QStringList m_problems;
 };
 
 } // namespace panel

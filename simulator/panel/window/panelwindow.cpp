@@ -116,6 +116,9 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     connect(m_view, &PanelView::touched, this,
             [this](QPoint pixel) { m_rig.finger().touch(pixel); });
     connect(m_view, &PanelView::released, this, [this] { m_rig.finger().release(); });
+    connect(&m_rig, &Rig::complaintHeard, m_messages, [this](const QString& text) {
+        m_messages->showProblem(tr("The controller complains: %1").arg(text));
+    });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &PanelWindow::refresh);
     timer->start(refreshMs);
@@ -243,6 +246,9 @@ void PanelWindow::toggleServer() {
 }
 
 void PanelWindow::refresh() {
+    if (m_progress) {
+        m_messages->setProgress(m_progress());
+    }
     const controller::PanelState state = m_rig.module().panel();
     showState(state);
     const std::uint32_t frames = m_rig.module().counts().frames;

@@ -6,6 +6,7 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <map>
 
 class QLabel;
@@ -26,6 +27,9 @@ public:
     MessageBar& messages() { return *m_messages; }
     // Menus stand in the order of their names; one that nobody has asked for is not shown.
     QMenu& menu(MenuName name);
+
+    // How far a script is, as `progress` says whenever the window is drawn anew.
+    void followScript(std::function<QString()> progress) { m_progress = std::move(progress); }
 
     // From now on the panel is shown no larger than what fits into so much of a screen. The window
     // does so by itself with the screen on which it appears.
@@ -65,6 +69,7 @@ private:
     int m_wantedZoom;
     int m_largestZoom;
     std::uint32_t m_framesShown = 0;
+    std::function<QString()> m_progress;
 };
 
 } // namespace panel

@@ -11,7 +11,8 @@ protected:
     std::string writtenFor(const std::vector<std::string>& texts, const QString& allowed = {}) {
         testing::internal::CaptureStderr();
         {
-            Complaints complaints([this](const QString& text) { m_failures += text; });
+            Complaints complaints([this](const QString& text) { m_failures += text; },
+                                  [this](const QString& text) { m_heard += text; });
             if (!allowed.isEmpty()) {
                 complaints.allow(allowed);
             }
@@ -23,6 +24,7 @@ protected:
     }
 
     QStringList m_failures;
+    QStringList m_heard;
 };
 
 TEST_F(ComplaintsTest, WritesEachOnceAndItsCountAtTheEnd) {
@@ -34,6 +36,11 @@ TEST_F(ComplaintsTest, WritesEachOnceAndItsCountAtTheEnd) {
 TEST_F(ComplaintsTest, TellsTheFirstAsAFailure) {
     writtenFor({"a", "b", "a"});
     EXPECT_EQ(m_failures, QStringList({"a"}));
+}
+
+TEST_F(ComplaintsTest, TellsEachThatIsNew) {
+    writtenFor({"a", "b", "a"}, "b");
+    EXPECT_EQ(m_heard, QStringList({"a", "b"}));
 }
 
 TEST_F(ComplaintsTest, AnAllowedOneIsWrittenButNoFailure) {
