@@ -46,13 +46,20 @@ else
     packaging/fetch-preload.sh "$preset" "build/$preset/bin"
 fi
 
-if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}${QT_QPA_PLATFORM:-}" ]; then
+shared=no
+for argument in "$@"; do
+    [[ $argument != --remote* ]] || shared=yes
+done
+if [ "$shared" = no ] && [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}${QT_QPA_PLATFORM:-}" ]; then
     cat <<'EOF'
 ==> There is no display here, so the instrument runs without a window.
-    To look at it, let Qt serve the window to any VNC viewer at port 5900 of this machine (without
-    a password, to whoever can reach that port):
+    To use the panel from a browser or a VNC viewer, for this machine's own only:
 
-        QT_QPA_PLATFORM=vnc ./run.sh
+        ./run.sh --remote
+
+    and from another one, first reach its ports through ssh, then open http://127.0.0.1:5800/ there:
+
+        ssh -L 5800:127.0.0.1:5800 -L 5900:127.0.0.1:5900 THIS-MACHINE
 
 EOF
 fi

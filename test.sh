@@ -42,6 +42,7 @@ build() { # preset target
 
 preparation() {
     stage "Packages for boards" install_for_boards
+    stage "Package of a browser" install_browser
 }
 
 everyday() {
@@ -63,6 +64,8 @@ slow() {
     stage "Fault matrix" --needs "Build, all of it" \
         --ctest build/test-logs/faults.xml ctest --preset faults --parallel "$system_jobs" \
         --output-junit "$PWD/build/test-logs/faults.xml"
+    stage "In a browser" --needs "Build, all of it" \
+        --ctest build/test-logs/browser.xml test_in_browser
     stage "Packages" --needs "Packages for boards" tests/packages/check.sh
     stage "Service on a board" --beside --needs "Packages" --results build/board/service/results \
         tests/board/service.sh
@@ -81,6 +84,21 @@ install_for_boards() {
             return 77
         }
     done
+}
+
+install_browser() {
+    packaging/install-build-packages.sh --browser || {
+        echo "Chromium (install-build-packages.sh --browser) could not be installed."
+        return 77
+    }
+}
+
+test_in_browser() {
+    command -v chromium >/dev/null || {
+        echo "chromium is not installed."
+        return 77
+    }
+    ctest --preset browser --output-junit "$PWD/build/test-logs/browser.xml"
 }
 
 # The program for a 64-bit ARM board.

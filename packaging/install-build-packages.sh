@@ -9,6 +9,8 @@
 #                                                (emulation-packages.txt)
 #   install-build-packages.sh --debian           to make Debian packages, besides
 #                                                (debian-packages.txt)
+#   install-build-packages.sh --browser          to test the shared panel in a browser, besides
+#                                                (browser-packages.txt)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -16,6 +18,7 @@ architecture=$(dpkg --print-architecture)
 case "${1:-}" in
     '') list=build-packages.txt ;;
     --debian) list=debian-packages.txt ;;
+    --browser) list=browser-packages.txt ;;
     --board | --emulation)
         list=${1#--}-packages.txt
         architecture=${2:-}
@@ -23,7 +26,7 @@ case "${1:-}" in
     *) list=none ;;
 esac
 if [ "$list" = none ] || [[ ! $architecture =~ ^[a-z0-9]+$ ]]; then
-    sed -n '2,11s/^# \{0,1\}//p' "$(basename "$0")" >&2
+    sed -n '2,13s/^# \{0,1\}//p' "$(basename "$0")" >&2
     exit 2
 fi
 

@@ -9,6 +9,7 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QHostAddress>
 
 namespace panel {
 
@@ -16,6 +17,8 @@ namespace {
 
 constexpr int lowestZoom = 1;
 constexpr int highestZoom = 4;
+constexpr int defaultRemotePort = 5900;
+constexpr std::uint32_t pageBefore = 100; // the page's port is as much before
 
 struct Options {
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
@@ -110,12 +113,33 @@ struct Options {
                        "1)."),
         QStringLiteral("FACTOR"), QStringLiteral("1")};
 
+    QCommandLineOption remote{
+        QStringLiteral("remote"),
+        QStringLiteral("Show the panel to VNC viewers at PORT (default 5900) and to browsers at "
+                       "PORT - 100 (http), where the mouse is the finger; 0 stands for any two "
+                       "that are free. Goes with a window or without one."),
+        QStringLiteral("PORT")};
+    QCommandLineOption remoteAddress{
+        QStringLiteral("remote-address"),
+        QStringLiteral("With --remote: the address of this machine at which that is to be (default "
+                       "127.0.0.1, for this machine alone; 0.0.0.0: all)."),
+        QStringLiteral("ADDRESS"), QStringLiteral("127.0.0.1")};
+    QCommandLineOption remotePassword{
+        QStringLiteral("remote-password"),
+        QStringLiteral("With --remote: ask viewers for the password in the first line of FILE. VNC "
+                       "knows eight characters of it, and does not hide what is shown."),
+        QStringLiteral("FILE")};
+
     QList<QCommandLineOption> all() const {
-        return {
-            help,        version,           app,   noApp,    generation, boardDevice, boardFault,
-            noServer,    answersEverything, seed,  headless, zoom,       script,      timeLimit,
-            screenshots, compare,           renew, trace,    statistics, inspect,     speed,
-            traceFormat, fault};
+        return {help,          version,       app,
+                noApp,         generation,    boardDevice,
+                boardFault,    noServer,      answersEverything,
+                seed,          headless,      zoom,
+                script,        timeLimit,     screenshots,
+                compare,       renew,         trace,
+                traceFormat,   statistics,    inspect,
+                speed,         fault,         remote,
+                remoteAddress, remotePassword};
     }
 };
 
@@ -189,6 +213,27 @@ public:
         }
     }
 
+    void remote(const Options& options, Settings& settings) {
+        settings.remoteAddress = m_parser.value(options.remoteAddress);
+        settings.remotePassword = m_parser.value(options.remotePassword);
+        if (m_parser.isSet(options.remote)) {
+            const std::uint32_t port = number(options.remote, 0, UINT16_MAX);
+            if (port != 0 && port <= pageBefore) {
+                fail(QStringLiteral("--remote takes 0 or a port from %1 on, not \"%2\"")
+                         .arg(pageBefore + 1)
+                         .arg(port));
+            }
+            settings.remotePort = static_cast<quint16>(port);
+        } else if (m_parser.isSet(options.remoteAddress) ||
+                   m_parser.isSet(options.remotePassword)) {
+            fail(QStringLiteral("--remote-address and --remote-password go with --remote"));
+        }
+        if (QHostAddress(settings.remoteAddress).isNull()) {
+            fail(QStringLiteral("--remote-address takes an IP address, not \"%1\"")
+                     .arg(settings.remoteAddress));
+        }
+    }
+
     void fail(const QString& error) {
         if (m_commandLine.error.isEmpty()) {
             m_commandLine.error = error;
@@ -235,6 +280,7 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     }
     settings.inspect = parser.isSet(options.inspect);
     settings.speed = reader.factor(options.speed, DisplayModule::slowest, DisplayModule::fastest);
+    reader.remote(options, settings);
     if (settings.renew && settings.stored.isEmpty()) {
         reader.fail(QStringLiteral("--renew stores the pictures of --compare DIR; give both"));
     }
@@ -244,6 +290,19 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     }
 }
 
+// --remote may stand alone, which QCommandLineParser does not know.
+QStringList withRemotePort(const QStringList& arguments) {
+    QStringList complete;
+    for (int i = 0; i < arguments.size(); ++i) {
+        complete += arguments[i];
+        const QString next = arguments.value(i + 1);
+        if (arguments[i] == QStringLiteral("--remote") && (next.isEmpty() || next[0] == '-')) {
+            complete += QString::number(defaultRemotePort);
+        }
+    }
+    return complete;
+}
+
 } // namespace
 
 CommandLine parseCommandLine(const QStringList& arguments) {
@@ -251,7 +310,7 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.addOptions(options.all());
     CommandLine commandLine;
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(withRemotePort(arguments))) {
         commandLine.error = QStringLiteral("%1 --help lists the options.").arg(parser.errorText());
         return commandLine;
     }

@@ -6,6 +6,7 @@
 #include "lineinput.h"
 #include "messagebar.h"
 #include "panelwindow.h"
+#include "remote.h"
 #include "rig.h"
 #include "script.h"
 #include "session.h"
@@ -45,6 +46,19 @@ bool hasDisplay() {
     const char* const variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
     return std::any_of(std::begin(variables), std::end(variables),
                        [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
+// Viewers elsewhere are shown text where there is no picture, which takes fonts, but no display.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char* argv[], bool headless,
+                                                  bool remote) {
+    if (!headless) {
+        return std::make_unique<QApplication>(argc, argv);
+    }
+    if (!remote) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
+    return std::make_unique<QGuiApplication>(argc, argv);
 }
 
 QStringList argumentList(int argc, char* argv[]) {
@@ -98,9 +112,40 @@ std::unique_ptr<panel::LineInput> answerQuestions(panel::Rig& rig) {
     return input;
 }
 
+// The panel for viewers elsewhere; the failure is the user's to mend.
+panel::Rig::Failure share(const panel::Settings& settings, panel::Rig& rig,
+                          std::unique_ptr<panel::Remote>& remote) {
+    if (!settings.remotePort) {
+        return {};
+    }
+    remote = std::make_unique<panel::Remote>(rig.module());
+    panel::Remote::Options options;
+    options.address = QHostAddress(settings.remoteAddress);
+    options.port = *settings.remotePort;
+    options.passwordFile = settings.remotePassword;
+    const QString error = remote->start(options);
+    if (!error.isEmpty()) {
+        return {ExitStatus::NotShared, error};
+    }
+    QObject::connect(remote.get(), &panel::Remote::touched, &rig,
+                     [&rig](QPoint pixel) { rig.finger().touch(pixel); });
+    QObject::connect(remote.get(), &panel::Remote::released, &rig,
+                     [&rig] { rig.finger().release(); });
+    std::printf("%s\n", qUtf8Printable(remote->announcement()));
+    std::fflush(stdout);
+    if (!remote->warning().isEmpty()) {
+        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(remote->warning()));
+    }
+    return {};
+}
+
 int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
     panel::Rig rig(settings);
     if (const panel::Rig::Failure failure = rig.start()) {
+        return finish(failure.status, failure.text);
+    }
+    std::unique_ptr<panel::Remote> remote;
+    if (const panel::Rig::Failure failure = share(settings, rig, remote)) {
         return finish(failure.status, failure.text);
     }
     std::unique_ptr<panel::PanelWindow> window;
@@ -108,6 +153,9 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         window = std::make_unique<panel::PanelWindow>(rig, settings.zoom);
         QApplication::setQuitOnLastWindowClosed(false); // the status is decided below
         window->show();
+        if (remote) {
+            window->messages().showNotice(remote->announcement());
+        }
     }
     // With a window: of a script that has failed, whose window the user still looks at.
     ExitStatus whenStopped =
@@ -126,6 +174,9 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
                                  QCoreApplication::exit(static_cast<int>(status));
                              }
                          });
+        if (window) {
+            window->followScript([&session] { return session->progress(); });
+        }
         QTimer::singleShot(0, session.get(), &panel::Session::start);
     } else if (headless) {
         watchHeadless(rig);
@@ -159,10 +210,9 @@ int main(int argc, char* argv[]) {
     const panel::CommandLine commandLine = panel::parseCommandLine(argumentList(argc, argv));
     const panel::Settings& settings = commandLine.settings;
     const bool headless = settings.headless || !hasDisplay();
+    const bool saysSomething = commandLine.wantsHelp || commandLine.wantsVersion;
     const std::unique_ptr<QCoreApplication> application =
-        headless || commandLine.wantsHelp || commandLine.wantsVersion
-            ? std::make_unique<QCoreApplication>(argc, argv)
-            : std::make_unique<QApplication>(argc, argv);
+        makeApplication(argc, argv, headless || saysSomething, settings.remotePort.has_value());
     if (commandLine.wantsVersion) {
         std::printf("panelsim %s\n", FRONTPANEL_VERSION);
         return 0;

@@ -10,7 +10,7 @@ cd "$(dirname "$0")/../.."
 could_not_run() { echo "No Debian for an emulated board: $*"; exit 77; }
 
 packages=systemd-sysv,udev,dbus,iproute2,kmod,procps
-packages=$packages,libqt5core5a,libqt5network5,libqt5gui5,libqt5widgets5,umockdev,zlib1g
+packages=$packages,libqt5core5a,libqt5network5,libqt5gui5,libqt5widgets5,libvncserver1,umockdev,zlib1g
 # What nobody reads or draws with there.
 left_out=('/usr/share/doc/*' '/usr/share/locale/*' '/usr/share/man/*' '/usr/lib/*/dri/*' '/usr/lib/*/libLLVM*')
 

@@ -11,7 +11,7 @@ struct StatusText {
     const char* text;
 };
 
-constexpr std::array<StatusText, 13> statusTexts{{
+constexpr std::array<StatusText, 14> statusTexts{{
     {ExitStatus::Success, "the session was played to its end, or the user quit"},
     {ExitStatus::Usage, "the command line was wrong"},
     {ExitStatus::ScriptError, "the script could not be read or holds a mistake"},
@@ -25,6 +25,7 @@ constexpr std::array<StatusText, 13> statusTexts{{
     {ExitStatus::BoardFailed, "the virtual board could not be set up"},
     {ExitStatus::ApplicationNotStarted, "the application could not be started"},
     {ExitStatus::Interrupted, "a session was stopped by the user or a signal"},
+    {ExitStatus::NotShared, "the panel could not be shared: --remote and what belongs to it"},
 }};
 
 } // namespace

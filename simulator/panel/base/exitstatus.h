@@ -19,6 +19,7 @@ enum class ExitStatus : int {
     BoardFailed = 11,
     ApplicationNotStarted = 12,
     Interrupted = 13,
+    NotShared = 14,
 };
 
 // One line for each status, for `--help`.

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace panel {
@@ -33,9 +34,13 @@ struct Settings {
     QString trace;           // file; empty: none
     bool traceIsVcd = false; // otherwise text
     bool statistics = false;
-    bool inspect = false; // answer what is asked on standard input
-    double speed = 1;     // of the panel's time beside the clock's
+    bool inspect = false;          // answer what is asked on standard input
+    double speed = 1;              // of the panel's time beside the clock's
     std::vector<FaultSpec> faults; // that are on from the start
+
+    std::optional<quint16> remotePort; // where VNC viewers find the panel; none: nowhere; 0: any
+    QString remoteAddress;             // an IP address of this machine
+    QString remotePassword;            // file; empty: viewers need no password
 };
 
 } // namespace panel
