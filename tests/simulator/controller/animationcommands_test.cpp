@@ -137,6 +137,17 @@ TEST_F(AnimationCommands, StopFreezesTheSpinner) {
     EXPECT_TRUE(host.chip.frame().picture == frozen);
 }
 
+TEST_F(AnimationCommands, AResetOfTheCoprocessorEndsTheSpinner) {
+    showSpinner();
+    host.waitFrames(3);
+    host.write8(host.at.cpuReset(), 1);
+    host.write8(host.at.cpuReset(), 0);
+    host.waitFrames(1);
+    const std::uint32_t swaps = host.chip.listsSwapped();
+    host.waitFrames(3);
+    EXPECT_EQ(host.chip.listsSwapped(), swaps);
+}
+
 // Scale 0 is an eighth of the panel's height in radius, 1 half of the panel, 2 all of it.
 TEST_F(AnimationCommands, EverySpinnerFillsItsCircleAndStaysInside) {
     for (std::uint32_t style = 0; style < 5; ++style) {
@@ -245,6 +256,9 @@ TEST_F(AnimationCommands, ASketchMarksWhereTheFingerGoes) {
     host.chip.touch(110, 60);
     host.waitFrames(3);
     EXPECT_EQ(host.read8(10 * 10 + 1), 0x20) << "bit 5 of byte 1 in line 10";
+    host.chip.touch(108, 60);
+    host.waitFrames(3);
+    EXPECT_EQ(host.read8(10 * 10 + 1), 0xA0) << "and bit 7";
 }
 
 TEST_F(AnimationCommands, AStoppedSketchMarksNothing) {
@@ -270,6 +284,17 @@ TEST_F(AnimationCommands, ATrackFollowsTheFingerThatBeganOnIt) {
     EXPECT_NEAR(host.read16(0x309002), 49152, 200);
     host.chip.release();
     host.waitFrames(2);
+    EXPECT_EQ(host.read32(0x309000), 0U);
+}
+
+TEST_F(AnimationCommands, AColdStartForgetsTheTracks) {
+    useRightTransform();
+    host.send({cmd::dlStart, 0x12000005, 0x26000007, 0, cmd::swap, cmd::track, pair(100, 100),
+               pair(200, 20), 5, cmd::coldStart});
+    host.waitFrames(2);
+    host.chip.touch(150, 110);
+    host.waitFrames(3);
+    EXPECT_EQ(host.read8(host.at.touchTag()), 5);
     EXPECT_EQ(host.read32(0x309000), 0U);
 }
 

@@ -106,6 +106,11 @@ TEST_F(DrawingCommands, FormattedTextTakesItsArguments) {
     EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("-5 of 7%: "));
 }
 
+TEST_F(DrawingCommands, WithoutTheOptionNothingIsFormatted) {
+    show(V{0x26000007} + textAt(10, 10, 27, 0, "100%% of %d"));
+    EXPECT_THAT(host.chip.textOnPanel(), ElementsAre("100%% of %d"));
+}
+
 TEST_F(DrawingCommands, NumbersAreTexts) {
     show({0x26000007, cmd::number, pair(10, 10), pair(27, 0), 1234, cmd::number, pair(10, 40),
           pair(27, 0x106), static_cast<std::uint32_t>(-42), cmd::number, pair(10, 70), pair(27, 0),
@@ -332,9 +337,16 @@ TEST_F(DrawingCommands, AFontInMemoryIsUsedByItsMetrics) {
 }
 
 TEST_F(DrawingCommands, AHandleOutOfRangeIsAFault) {
-    host.send({cmd::dlStart, cmd::setFont, 32, 0});
-    EXPECT_EQ(host.read16(host.at.cmdRead()), 0xFFF);
-    EXPECT_TRUE(host.seen.complainedAbout("handle 32 out of range"));
+    for (const V& command : {V{cmd::setFont, 32, 0}, V{cmd::setFont2, 32, 0, 0},
+                             V{cmd::romFont, 32, 16}, V{cmd::setScratch, 32}}) {
+        Host other(Generation::E3);
+        other.boot();
+        other.send({cmd::dlStart, command[0], 31, 20, 0});
+        EXPECT_NE(other.read16(other.at.cmdRead()), 0xFFF) << std::hex << command[0];
+        other.send(command);
+        EXPECT_EQ(other.read16(other.at.cmdRead()), 0xFFF) << std::hex << command[0];
+        EXPECT_TRUE(other.seen.complainedAbout("handle 32 out of range"));
+    }
 }
 
 TEST_F(DrawingCommands, ASlidersKnobStandsAtItsValue) {

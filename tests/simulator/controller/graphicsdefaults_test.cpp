@@ -70,6 +70,53 @@ const State states[] = {
     {"VERTEX_TRANSLATE_Y", 0x2C000000, 0x2C000010},
 };
 
+// Of the 24 behind the opcode, those that stand in a field of the word.
+std::uint32_t usedBits(std::uint32_t word) {
+    switch (word >> 24U) {
+    case 0x14: // TAG_MASK
+        return 0x1;
+    case 0x27: // VERTEX_FORMAT
+        return 0x7;
+    case 0x20: // COLOR_MASK
+        return 0xF;
+    case 0x05: // BITMAP_HANDLE
+        return 0x1F;
+    case 0x0B: // BLEND_FUNC
+    case 0x0C: // STENCIL_OP
+        return 0x3F;
+    case 0x06: // CELL
+        return 0x7F;
+    case 0x03: // TAG
+    case 0x0F: // CLEAR_COLOR_A
+    case 0x10: // COLOR_A
+    case 0x11: // CLEAR_STENCIL
+    case 0x12: // CLEAR_TAG
+    case 0x13: // STENCIL_MASK
+        return 0xFF;
+    case 0x09: // ALPHA_FUNC
+        return 0x7FF;
+    case 0x0E: // LINE_WIDTH
+        return 0xFFF;
+    case 0x0D: // POINT_SIZE
+        return 0x1FFF;
+    case 0x2B: // VERTEX_TRANSLATE_X
+    case 0x2C: // VERTEX_TRANSLATE_Y
+        return 0x1FFFF;
+    case 0x15: // BITMAP_TRANSFORM_A
+    case 0x16:
+    case 0x18:
+    case 0x19: // BITMAP_TRANSFORM_E
+        return 0x3FFFF;
+    case 0x0A: // STENCIL_FUNC
+        return 0x7FFFF;
+    case 0x1B: // SCISSOR_XY
+    case 0x2A: // PALETTE_SOURCE
+        return 0x3FFFFF;
+    default:
+        return 0xFFFFFF;
+    }
+}
+
 class GraphicsDefaults : public testing::TestWithParam<State> {
 protected:
     GraphicsDefaults() {
@@ -114,6 +161,15 @@ TEST_P(GraphicsDefaults, EveryListStartsWithIt) {
     const controller::Frame other = drawnAfter({GetParam().other});
     EXPECT_TRUE(other.picture != plain.picture || other.tags != plain.tags)
         << "the drawing does not depend on it";
+}
+
+TEST_P(GraphicsDefaults, BitsOutsideOfItsFieldsDoNothing) {
+    for (const std::uint32_t word : {GetParam().initial, GetParam().other}) {
+        const controller::Frame plain = drawnAfter({word});
+        const controller::Frame filled = drawnAfter({word | (0xFFFFFFU & ~usedBits(word))});
+        EXPECT_TRUE(filled.picture == plain.picture) << std::hex << word;
+        EXPECT_TRUE(filled.tags == plain.tags) << std::hex << word;
+    }
 }
 
 } // namespace

@@ -295,6 +295,20 @@ TEST(Bitmaps, RepeatWrapsInEachDirectionByItself) {
               }));
 }
 
+TEST(Bitmaps, WithoutRepeatBilinearOnesAreTransparentOutsideToo) {
+    Scanner scanner;
+    storeArrow(scanner);
+    EXPECT_EQ(drawn(scanner, 8, 6, bitmap(format::L8, 4, 4, bitmapSize(bilinear, 8, 6))),
+              rows({
+                  ".#......",
+                  "###.....",
+                  ".#......",
+                  ".#......",
+                  "........",
+                  "........",
+              }));
+}
+
 TEST(Bitmaps, PartlyOutsideThePanelAreCut) {
     Scanner scanner;
     storeArrow(scanner);

@@ -76,6 +76,9 @@ TEST(Clear, ClearsColourTagAndStencilEachByItsBit) {
     const Frame& tag = scanner.scan(1, 1, values + std::vector{word(opcode::Clear, 1)});
     EXPECT_EQ(tag.picture.at(0, 0), 0xFF000000);
     EXPECT_EQ(tag.tags[0], 2);
+    const Frame& stencil = scanner.scan(1, 1, values + std::vector{word(opcode::Clear, 2)});
+    EXPECT_EQ(stencil.picture.at(0, 0), 0xFF000000);
+    EXPECT_EQ(stencil.tags[0], 0);
     EXPECT_EQ(pixelAfter(values +
                          std::vector{word(opcode::Clear, 2), stencilFunc(test::Equal, 7, 255)} +
                          onePixel),

@@ -186,6 +186,7 @@ constexpr std::uint32_t snapshot2 = 0xFFFFFF37;
 constexpr std::uint32_t setBase = 0xFFFFFF38;
 constexpr std::uint32_t mediaFifo = 0xFFFFFF39;
 constexpr std::uint32_t romFont = 0xFFFFFF3F;
+constexpr std::uint32_t setFont2 = 0xFFFFFF3B;
 constexpr std::uint32_t setScratch = 0xFFFFFF3C;
 constexpr std::uint32_t sync = 0xFFFFFF42;
 constexpr std::uint32_t setBitmap = 0xFFFFFF43;

@@ -126,6 +126,15 @@ TEST_F(Images, PropertiesAndPointerAreThoseOfTheLastOne) {
     EXPECT_EQ(results(cmd::getPtr, 1), V{4012});
 }
 
+TEST_F(Images, AColdStartForgetsTheLastOneAndTheMediaFifo) {
+    startFifo(0x8000, 1024);
+    load(pngFile({3, 2, png::rgb, Bytes(18)}), 4000, noList);
+    host.send({cmd::coldStart});
+    EXPECT_EQ(results(cmd::getProps, 3), (V{0, 0, 0}));
+    host.send({cmd::loadImage, 1000, mediaFifo});
+    EXPECT_TRUE(isFault("there is no media FIFO"));
+}
+
 TEST_F(Images, CommandsGoOnBehindTheFilesLastWord) {
     const Bytes file = pngFile({1, 1, png::grey, {7}});
     load(file, 4000, noList);

@@ -120,7 +120,7 @@ TEST_F(Widgets, SetFont2SetsUpItsHandleAndCountsFromItsFirstCharacter) {
         host.write32(1128 + 4 * i, block[i]);
     }
     host.write(2000, std::vector<std::uint8_t>(16, 0xFF));
-    show(V{0xFFFFFF3B, 5, 1000, 'C', cmd::text, pair(40, 50), pair(5, 0)} + words("C"));
+    show(V{cmd::setFont2, 5, 1000, 'C', cmd::text, pair(40, 50), pair(5, 0)} + words("C"));
     EXPECT_EQ(at(40, 50), white);
     EXPECT_EQ(at(47, 51), white);
     EXPECT_EQ(at(48, 51), black);
