@@ -149,7 +149,7 @@ TEST_F(BusTraceOfAModule, TellsEverythingInTheOrderOfTime) {
 TEST_F(BusTraceOfAModule, TellsThePowerDownPinAndComplaints) {
     BusTrace trace(controller::Generation::E3);
     begin(trace);
-    m_host.write(0x3F0000, {1});
+    m_host.send({0xBF, 0, 0, 1});
     m_host.module.powerDown(false);
     EXPECT_THAT(bodies(end(trace)),
                 ElementsAre("P CS low", testing::StartsWith("W 0x3F0000 "),
