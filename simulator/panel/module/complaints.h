@@ -16,10 +16,10 @@ namespace panel {
 class Complaints : public Watcher {
 public:
     // `failed` is called for the first complaint that is not allowed, with the module locked, on
-    // whichever thread brought it on.
-    // `heard` for each one that is new, allowed or not.
-    Complaints(std::function<void(const QString&)> failed,
-               std::function<void(const QString&)> heard)
+    // whichever thread brought it on; `heard` for each one that is new, allowed or not.
+    explicit Complaints(
+        std::function<void(const QString&)> failed,
+        std::function<void(const QString&)> heard = [](const QString& /*text*/) {})
         : m_failed(std::move(failed)), m_heard(std::move(heard)) {}
     ~Complaints() override; // writes the counts
 
