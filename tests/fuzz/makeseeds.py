@@ -84,6 +84,8 @@ def coprocessor_streams():
         "memory": command(0x1C) + number(64) + small(9) + command(0x18) + small(64, 9, 0),
         "set": command(0x1B) + small(64, 7, 30) + command(0x1D) + small(9, 64, 20),
         "append": command(0x1E) + small(0, 16),
+        "tag": command(0x1A) + number(0x3020D8) + small(4) + number(0x04FF0000) + command(0x19)
+        + number(0x30207C) + small(0),
         "gradient": command(0x0B) + pair(0, 0) + number(0xFF0000) + pair(60, 40) + number(255),
         "matrix": command(0x26) + command(0x27) + number(65536) * 2 + command(0x29) + number(9000)
         + command(0x28) + number(70000) * 2 + command(0x2A),

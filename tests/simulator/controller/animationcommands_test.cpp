@@ -285,6 +285,9 @@ TEST_F(AnimationCommands, ATrackFollowsTheFingerThatBeganOnIt) {
     host.chip.release();
     host.waitFrames(2);
     EXPECT_EQ(host.read32(0x309000), 0U);
+    host.chip.touch(250, 200); // another touch, that did not begin on the bar
+    host.waitFrames(3);
+    EXPECT_EQ(host.read32(0x309000), 0U);
 }
 
 TEST_F(AnimationCommands, AColdStartForgetsTheTracks) {

@@ -325,16 +325,27 @@ TEST(EdgeStrips, SlantingEdgesAreSmooth) {
 }
 
 TEST(EdgeStrips, NeighbouringSegmentsLeaveNoGapAndDoNotOverlap) {
-    // Half transparent, so that a pixel drawn twice or not at all would show.
-    std::vector<std::uint32_t> list{colorA(128), begin(primitive::EdgeStripB)};
-    for (int i = 0; i <= 40; ++i) {
-        list.push_back(vertex2f(i * 13, 16 * (4 + i % 3)));
-    }
-    Scanner scanner;
-    const Frame& frame = scanner.scan(32, 16, list);
-    for (int y = 8; y < 16; ++y) {
-        for (int x = 0; x < 32; ++x) {
-            EXPECT_EQ(greenAt(frame, x, y), 128) << x << ' ' << y;
+    constexpr int size = 32;
+    for (const std::uint32_t side : {primitive::EdgeStripR, primitive::EdgeStripL,
+                                     primitive::EdgeStripA, primitive::EdgeStripB}) {
+        const bool goesDown = side == primitive::EdgeStripR || side == primitive::EdgeStripL;
+        const bool isBehind = side == primitive::EdgeStripR || side == primitive::EdgeStripB;
+        // Half transparent, so that a pixel drawn twice or not at all would show.
+        std::vector<std::uint32_t> list{colorA(128), begin(side)};
+        for (int i = 0; i <= 40; ++i) {
+            const int along = i * 13;
+            const int across = 16 * (14 + i % 3);
+            list.push_back(goesDown ? vertex2f(across, along) : vertex2f(along, across));
+        }
+        Scanner scanner;
+        const Frame& frame = scanner.scan(size, size, list);
+        for (int along = 0; along < size; ++along) {
+            for (int i = 0; i < 14; ++i) {
+                const int across = isBehind ? size - 1 - i : i;
+                const int x = goesDown ? across : along;
+                const int y = goesDown ? along : across;
+                EXPECT_EQ(greenAt(frame, x, y), 128) << side << ": " << x << ' ' << y;
+            }
         }
     }
 }

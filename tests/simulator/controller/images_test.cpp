@@ -119,6 +119,13 @@ TEST_F(Images, FullScreenScalesInPowersOfTwo) {
                             0x19000000 | 64));
 }
 
+TEST_F(Images, FullScreenMayFitExactly) {
+    load(pngFile({240, 9, png::grey, Bytes(2160)}), 4000, 8);
+    EXPECT_EQ(host.listWritten()[2], 0x08000000U | 480U << 9U | 18U);
+    load(pngFile({9, 136, png::grey, Bytes(1224)}), 4000, 8);
+    EXPECT_EQ(host.listWritten()[2], 0x08000000U | 18U << 9U | 272U);
+}
+
 TEST_F(Images, PropertiesAndPointerAreThoseOfTheLastOne) {
     EXPECT_EQ(results(cmd::getProps, 3), (V{0, 0, 0}));
     load(pngFile({3, 2, png::rgb, Bytes(18)}), 4000, noList);
