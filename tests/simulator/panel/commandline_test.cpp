@@ -33,10 +33,36 @@ TEST(CommandLine, HasDefaultsForEverything) {
     EXPECT_EQ(settings.zoom, 2);
     EXPECT_EQ(settings.script, "");
     EXPECT_EQ(settings.timeLimit.count(), 300000);
-    EXPECT_EQ(settings.screenshots, ".");
+    EXPECT_EQ(settings.screenshots, "screenshots");
+    EXPECT_FALSE(settings.remotePort);
     EXPECT_EQ(settings.stored, "");
     EXPECT_TRUE(settings.board.spiNode);
     EXPECT_EQ(settings.boardDevice, "");
+}
+
+TEST(CommandLine, SharesThePanelAtAPortOrAtTheUsualOne) {
+    EXPECT_EQ(settingsOf({"--remote", "7000"}).remotePort, 7000);
+    EXPECT_EQ(settingsOf({"--remote=0"}).remotePort, 0);
+    EXPECT_EQ(settingsOf({"--remote"}).remotePort, 5900);
+    const Settings settings = settingsOf({"--remote", "--remote-address", "0.0.0.0", "--headless"});
+    EXPECT_EQ(settings.remotePort, 5900);
+    EXPECT_EQ(settings.remoteAddress, "0.0.0.0");
+    EXPECT_TRUE(settings.headless);
+    EXPECT_EQ(settingsOf({"--remote", "--remote-password", "file"}).remotePassword, "file");
+}
+
+TEST(CommandLine, SharesItWithThisMachineAloneUnlessToldOtherwise) {
+    EXPECT_EQ(settingsOf({"--remote"}).remoteAddress, "127.0.0.1");
+}
+
+TEST(CommandLine, TellsWrongSharing) {
+    EXPECT_EQ(errorOf({"--remote", "100"}), "--remote takes 0 or a port from 101 on, not \"100\"");
+    EXPECT_EQ(errorOf({"--remote", "x"}),
+              "--remote takes a whole number from 0 to 65535, not \"x\"");
+    EXPECT_EQ(errorOf({"--remote", "--remote-address", "here"}),
+              "--remote-address takes an IP address, not \"here\"");
+    EXPECT_EQ(errorOf({"--remote-password", "file"}),
+              "--remote-address and --remote-password go with --remote");
 }
 
 TEST(CommandLine, TakesTheKernelsBoardInsteadOfOneWithAFault) {

@@ -160,6 +160,24 @@ TEST_F(PanelWindowTest, MessagesCoverNothing) {
         << overlap().toStdString();
 }
 
+TEST_F(PanelWindowTest, ShowsWhatTheControllerComplainsOf) {
+    m_rig->complaints().complained("write to 5");
+    EXPECT_TRUE(comesToShow(QStringLiteral("The controller complains: write to 5")));
+}
+
+TEST_F(PanelWindowTest, ShowsHowFarAScriptIs) {
+    m_window->followScript([] { return QStringLiteral("tour:3: tap 1 2"); });
+    EXPECT_TRUE(comesToShow(QStringLiteral("tour:3: tap 1 2")));
+}
+
+TEST_F(PanelWindowTest, OfManyProblemsTheLastAreShown) {
+    MessageBar& messages = m_window->messages();
+    for (const char* text : {"one", "two", "three", "four", "five"}) {
+        messages.showProblem(QString::fromLatin1(text));
+    }
+    EXPECT_EQ(messages.problem(), QStringLiteral("(2 before these)\nthree\nfour\nfive"));
+}
+
 TEST_F(PanelWindowTest, AProblemStaysUntilItIsClosed) {
     MessageBar& messages = m_window->messages();
     messages.showProblem(QStringLiteral("The disk is full"));
