@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Fails when a session is no system test, or a stored picture is compared by no session.
+# Fails when a session is no system test, a stored picture is compared by no session, or
+# the page of the screens shows one that is not stored.
 #
 #   check-sessions.sh SOURCE-DIRECTORY
 set -euo pipefail
@@ -25,6 +26,11 @@ for picture in pictures/*; do
     grep -qxF "$name" <<<"$shots" || report "$picture is in no session: nothing is compared with it"
     pictures=$((pictures + 1))
 done
+
+shown=$(grep -o 'pictures/[^)]*\.png' ../../docs/screens.md)
+while read -r picture; do
+    [ -e "$picture" ] || report "docs/screens.md shows $picture, which there is not"
+done <<<"$shown"
 
 if [ "$sessions" -lt 20 ] || [ "$pictures" -lt 20 ]; then
     report "only $sessions sessions and $pictures pictures found in $PWD"
