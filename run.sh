@@ -39,9 +39,9 @@ build() { # preset target...
     fi
 }
 if [ "$preset" = release ]; then
-    build release panelsim frontpanel measurementserver
+    build release panelsim frontpanel measurementserver servercheck
 else
-    build release panelsim measurementserver
+    build release panelsim measurementserver servercheck
     build "$preset" frontpanel
     packaging/fetch-preload.sh "$preset" "build/$preset/bin"
 fi

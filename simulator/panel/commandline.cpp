@@ -55,6 +55,12 @@ struct Options {
         QStringLiteral("FAULT")};
     QCommandLineOption noServer{QStringLiteral("no-server"),
                                 QStringLiteral("Leave the measurement server switched off.")};
+    QCommandLineOption server{
+        QStringLiteral("server"),
+        QStringLiteral("Show the panel on a real measurement server: what the application sends to "
+                       "port 9800 of this machine goes to HOST:PORT. A server that has that port "
+                       "itself needs --no-server instead."),
+        QStringLiteral("HOST:PORT")};
     QCommandLineOption answersEverything{
         QStringLiteral("server-answers-everything"),
         QStringLiteral("The measurement server answers STOP and DAC with \"Ok\" too.")};
@@ -131,15 +137,15 @@ struct Options {
         QStringLiteral("FILE")};
 
     QList<QCommandLineOption> all() const {
-        return {help,          version,       app,
-                noApp,         generation,    boardDevice,
-                boardFault,    noServer,      answersEverything,
-                seed,          headless,      zoom,
-                script,        timeLimit,     screenshots,
-                compare,       renew,         trace,
-                traceFormat,   statistics,    inspect,
-                speed,         fault,         remote,
-                remoteAddress, remotePassword};
+        return {help,          version,        app,
+                noApp,         generation,     boardDevice,
+                boardFault,    noServer,       answersEverything,
+                seed,          headless,       zoom,
+                script,        timeLimit,      screenshots,
+                compare,       renew,          trace,
+                traceFormat,   statistics,     inspect,
+                speed,         fault,          remote,
+                remoteAddress, remotePassword, server};
     }
 };
 
@@ -202,6 +208,17 @@ public:
         }
     }
 
+    void place(const QCommandLineOption& option, ServerPlace& place) {
+        const QString text = m_parser.value(option);
+        const int colon = text.lastIndexOf(':');
+        bool ok = colon > 0;
+        place.port = ok ? text.mid(colon + 1).toUShort(&ok) : quint16{0};
+        place.host = text.left(colon);
+        if (m_parser.isSet(option) && (!ok || place.port == 0)) {
+            fail(QStringLiteral("--server takes HOST:PORT, not \"%1\"").arg(text));
+        }
+    }
+
     void faults(const QCommandLineOption& option, std::vector<FaultSpec>& faults) {
         for (const QString& text : m_parser.values(option)) {
             QString error;
@@ -257,6 +274,7 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
         reader.fail(QStringLiteral("--board-fault is for boards of panelsim's own, not for the "
                                    "kernel's (--board)"));
     }
+    reader.place(options.server, settings.realServer);
     reader.faults(options.fault, settings.faults);
     settings.application = parser.isSet(options.app) ? parser.value(options.app)
                                                      : directory + QStringLiteral("/frontpanel");

@@ -1,6 +1,7 @@
 #include "measurementserver.h"
 
 #include "connection.h"
+#include "porterror.h"
 
 #include <QElapsedTimer>
 #include <QTcpServer>
@@ -18,15 +19,6 @@ std::function<double()> secondsFromNow() {
     QElapsedTimer timer;
     timer.start();
     return [timer] { return static_cast<double>(timer.nsecsElapsed()) * 1e-9; };
-}
-
-QString explained(const QTcpServer& server, quint16 port) {
-    const QString what = QStringLiteral("cannot listen on 127.0.0.1:%1: ").arg(port);
-    if (server.serverError() != QAbstractSocket::AddressInUseError)
-        return what + server.errorString();
-    return what + QStringLiteral("the port is taken; end the program that holds it "
-                                 "(ss -ltnp sport = :%1 shows which one)")
-                      .arg(port);
 }
 
 QByteArray firstWord(const QByteArray& line) {
@@ -64,7 +56,7 @@ MeasurementServer::~MeasurementServer() {
 
 bool MeasurementServer::listen(quint16 port) {
     const bool listening = m_server->listen(QHostAddress::LocalHost, port);
-    m_errorString = listening ? QString() : explained(*m_server, port);
+    m_errorString = listening ? QString() : portError(*m_server, port);
     return listening;
 }
 

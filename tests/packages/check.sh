@@ -54,7 +54,7 @@ done
 [ -n "$all" ] || same_bytes "$native" --without-simulator
 
 dpkg-deb --extract "build/debian/$native/frontpanel-simulator_${version}_$native.deb" "$work/simulator"
-for program in panelsim measurementserver; do
+for program in panelsim measurementserver servercheck; do
     [ "$("$work/simulator/usr/bin/$program" --version)" = "$program $version" ] ||
         fail "$program --version: not $version"
 done

@@ -44,6 +44,7 @@ $c                      $c/base $c/words $c/memory $c/clock $c/touch $c/flash $c
 simulator/board         simulator/board/module
 simulator/board/module
 simulator/server        Qt
+simulator/server/check  Qt
 $s/base                 Qt
 $s/module               Qt $c $c/base $c/memory simulator/board $s/base
 $s/trace                Qt $c $c/base $c/words $c/memory $c/text $s/module

@@ -26,8 +26,9 @@ Rig::Rig(const Settings& settings)
               QMetaObject::invokeMethod(
                   this, [this, text] { emit complaintHeard(text); }, Qt::QueuedConnection);
           }),
-      m_module(settings.generation), m_finger(m_module), m_server(settings.seed),
-      m_faults(m_module, m_complaints, faultDoors()), m_pictures(settings.screenshots) {
+      m_module(settings.generation), m_finger(m_module),
+      m_server(settings.seed, settings.realServer), m_faults(m_module, m_complaints, faultDoors()),
+      m_pictures(settings.screenshots) {
     m_module.addWatcher(&m_complaints);
     m_module.setSpeed(settings.speed);
     m_pictures.compareWith(settings.stored, settings.renew);

@@ -2,18 +2,39 @@
 
 namespace panel {
 
-ServerThread::ServerThread(std::uint32_t seed, QObject* parent)
+ServerThread::ServerThread(std::uint32_t seed, const ServerPlace& real, QObject* parent)
     : QObject(parent), m_server(new server::MeasurementServer(seed)) {
-    m_server->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_server, &QObject::deleteLater);
-    connect(m_server, &server::MeasurementServer::requestReceived, this,
+    take(m_server);
+    if (real.host.isEmpty()) {
+        watch(*m_server);
+    } else {
+        m_forwarder = new server::Forwarder(real.host, real.port);
+        take(m_forwarder);
+        watch(*m_forwarder);
+    }
+    m_thread.setObjectName(QStringLiteral("measurement server"));
+    m_thread.start();
+}
+
+void ServerThread::take(QObject* server) {
+    server->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, server, &QObject::deleteLater);
+}
+
+template<typename Server>
+void ServerThread::watch(Server& server) {
+    connect(&server, &Server::requestReceived, this,
             [this](const QByteArray& line) { emit requestReceived(QString::fromLatin1(line)); });
-    connect(m_server, &server::MeasurementServer::connectionsChanged, this, [this](int count) {
+    connect(&server, &Server::connectionsChanged, this, [this](int count) {
         m_connections = count;
         emit stateChanged();
     });
-    m_thread.setObjectName(QStringLiteral("measurement server"));
-    m_thread.start();
+}
+
+template<typename Server>
+void ServerThread::listenOn(Server& server) {
+    m_listening = server.isListening() || server.listen();
+    m_error = server.errorString();
 }
 
 ServerThread::~ServerThread() {
@@ -23,15 +44,23 @@ ServerThread::~ServerThread() {
 
 bool ServerThread::start() {
     apply([this](server::MeasurementServer& server) {
-        m_listening = server.isListening() || server.listen();
-        m_error = server.errorString();
+        if (m_forwarder != nullptr) {
+            listenOn(*m_forwarder);
+        } else {
+            listenOn(server);
+        }
     });
     emit stateChanged();
     return m_listening;
 }
 
 void ServerThread::stop() {
-    apply([](server::MeasurementServer& server) { server.close(); });
+    apply([this](server::MeasurementServer& server) {
+        if (m_forwarder != nullptr) {
+            m_forwarder->close();
+        }
+        server.close();
+    });
     m_listening = false;
     emit stateChanged();
 }

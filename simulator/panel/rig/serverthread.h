@@ -1,5 +1,6 @@
 #pragma once
 
+#include "forwarder.h"
 #include "measurementserver.h"
 
 #include <QObject>
@@ -11,13 +12,22 @@
 
 namespace panel {
 
+// Where a measurement server is.
+struct ServerPlace {
+    QString host; // empty: none
+    quint16 port = 0;
+};
+
 // The measurement server on a thread of its own, so that its replies are never late because of
 // the drawing of a picture or the like. To be used from the thread it was created on.
 class ServerThread : public QObject {
     Q_OBJECT
 
 public:
-    explicit ServerThread(std::uint32_t seed, QObject* parent = nullptr);
+    // With a `real` server, that one is what stands at our port: it gets the requests, and the
+    // simulated one none.
+    explicit ServerThread(std::uint32_t seed, const ServerPlace& real = {},
+                          QObject* parent = nullptr);
     ~ServerThread() override;
 
     // Listens; false when it cannot, and error() says why and what to do.
@@ -27,7 +37,7 @@ public:
     int connections() const { return m_connections; }
     QString error() const { return m_error; }
 
-    // Runs `action` on the server, on its thread, and returns when that is done.
+    // Runs `action` on the simulated server, on its thread, and returns when that is done.
     void apply(const std::function<void(server::MeasurementServer&)>& action);
 
 signals:
@@ -35,8 +45,15 @@ signals:
     void stateChanged();
 
 private:
+    void take(QObject* server);
+    template<typename Server>
+    void watch(Server& server);
+    template<typename Server>
+    void listenOn(Server& server);
+
     QThread m_thread;
-    server::MeasurementServer* m_server; // owned; lives on m_thread
+    server::MeasurementServer* m_server;      // owned; lives on m_thread
+    server::Forwarder* m_forwarder = nullptr; // the same; null without a real server
     bool m_listening = false;
     int m_connections = 0;
     QString m_error;

@@ -2,6 +2,7 @@
 
 #include "faultspec.h"
 #include "generation.h"
+#include "serverthread.h"
 #include "virtualboard.h"
 
 #include <QString>
@@ -22,6 +23,7 @@ struct Settings {
     bool startApplication = true;
     bool quietApplication = false; // what it writes is not passed on, nor how to start it by hand
     bool startServer = true;
+    ServerPlace realServer; // in place of ours
     bool serverAnswersEverything = false;
     std::uint32_t seed = 1; // of the server's pulses
     bool headless = false;

@@ -95,6 +95,8 @@ TEST(CommandLine, TakesEveryOption) {
                                           "--trace",
                                           "t",
                                           "--stats",
+                                          "--server",
+                                          "instrument:9801",
                                           "--fault",
                                           "bus-slow 7ms after 1s",
                                           "--fault",
@@ -114,6 +116,8 @@ TEST(CommandLine, TakesEveryOption) {
     EXPECT_TRUE(settings.renew);
     EXPECT_EQ(settings.trace, "t");
     EXPECT_TRUE(settings.statistics);
+    EXPECT_EQ(settings.realServer.host, "instrument");
+    EXPECT_EQ(settings.realServer.port, 9801);
     ASSERT_EQ(settings.faults.size(), 2U);
     EXPECT_EQ(settings.faults[0].time.count(), 7);
     EXPECT_EQ(settings.faults[0].after.count(), 1000);

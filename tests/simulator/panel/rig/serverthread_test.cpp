@@ -1,9 +1,11 @@
 #include "serverthread.h"
 
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -78,6 +80,72 @@ TEST_F(ServerThreadTest, SaysWhenThePortIsTaken) {
     EXPECT_FALSE(m_server.start());
     EXPECT_TRUE(m_server.error().contains(QStringLiteral("9800")))
         << m_server.error().toStdString();
+}
+
+// --- in front of a real server
+
+class ForwardingServerThreadTest : public testing::Test {
+protected:
+    // A simulated one on another port, on another thread, as the real one.
+    ForwardingServerThreadTest() {
+        m_real.moveToThread(&m_thread);
+        m_thread.start();
+        QMetaObject::invokeMethod(
+            &m_real, [this] { EXPECT_TRUE(m_real.listen(realPort)); },
+            Qt::BlockingQueuedConnection);
+    }
+    ~ForwardingServerThreadTest() override {
+        QMetaObject::invokeMethod(
+            &m_real,
+            [this] {
+                m_real.close();
+                m_real.moveToThread(QCoreApplication::instance()->thread());
+            },
+            Qt::BlockingQueuedConnection);
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    static constexpr quint16 realPort = 9801;
+    QThread m_thread;
+    server::MeasurementServer m_real{1};
+    ServerThread m_server{1, {"127.0.0.1", realPort}};
+};
+
+TEST_F(ForwardingServerThreadTest, PassesRequestsAndRepliesOn) {
+    ASSERT_TRUE(m_server.start());
+    QSignalSpy requests(&m_server, &ServerThread::requestReceived);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, serverPort);
+    ASSERT_TRUE(socket.waitForConnected(generousMs));
+    socket.write("START 3\n");
+    ASSERT_TRUE(socket.waitForReadyRead(generousMs));
+    EXPECT_EQ(socket.readAll(), "Ok\n");
+    ASSERT_TRUE(requests.size() == 1 || requests.wait(generousMs));
+    EXPECT_EQ(requests[0][0].toString(), "START 3");
+    EXPECT_EQ(m_server.connections(), 1);
+    double timeConst = 0;
+    QMetaObject::invokeMethod(
+        &m_real, [&] { timeConst = m_real.params().timeConst; }, Qt::BlockingQueuedConnection);
+    EXPECT_EQ(timeConst, 3.0);
+}
+
+TEST_F(ForwardingServerThreadTest, HangsUpWhereTheRealServerIsGone) {
+    ASSERT_TRUE(m_server.start());
+    QMetaObject::invokeMethod(
+        &m_real, [this] { m_real.close(); }, Qt::BlockingQueuedConnection);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, serverPort);
+    ASSERT_TRUE(socket.waitForConnected(generousMs));
+    EXPECT_TRUE(socket.waitForDisconnected(generousMs));
+}
+
+TEST_F(ForwardingServerThreadTest, StopsAndStartsAgain) {
+    ASSERT_TRUE(m_server.start());
+    m_server.stop();
+    EXPECT_FALSE(m_server.isListening());
+    ASSERT_TRUE(m_server.start());
+    EXPECT_TRUE(m_server.isListening());
 }
 
 } // namespace
