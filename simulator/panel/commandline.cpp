@@ -35,7 +35,9 @@ struct Options {
                                             "by hand or in a debugger.")};
     QCommandLineOption generation{QStringLiteral("generation"),
                                   QStringLiteral("Generation of the display controller: 1, 2 or 3 "
-                                                 "(default 3)."),
+                                                 "(default 3). With 1 the application ends by a "
+                                                 "failed assertion, with 2 the panel stays "
+                                                 "black: both are as the application is made."),
                                   QStringLiteral("N"), QStringLiteral("3")};
     QCommandLineOption boardDevice{
         QStringLiteral("board"),
@@ -75,8 +77,11 @@ struct Options {
                             QStringLiteral("Window pixels per panel pixel, 1 to 4 (default 2)."),
                             QStringLiteral("N"), QStringLiteral("2")};
     QCommandLineOption script{QStringLiteral("script"),
-                              QStringLiteral("Play a session; see below. \"-\": standard input."),
+                              QStringLiteral("Play a session; see below. \"-\" reads it from the "
+                                             "standard input."),
                               QStringLiteral("FILE")};
+    QCommandLineOption verbose{QStringLiteral("verbose"),
+                               QStringLiteral("Say each line of the script as it is played.")};
     QCommandLineOption timeLimit{QStringLiteral("time-limit"),
                                  QStringLiteral("Longest time for the whole session, such as 90s "
                                                 "(default 300s)."),
@@ -145,7 +150,8 @@ struct Options {
                 compare,       renew,          trace,
                 traceFormat,   statistics,     inspect,
                 speed,         fault,          remote,
-                remoteAddress, remotePassword, server};
+                remoteAddress, remotePassword, server,
+                verbose};
     }
 };
 
@@ -285,6 +291,7 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     settings.headless = parser.isSet(options.headless);
     settings.zoom = static_cast<int>(reader.number(options.zoom, lowestZoom, highestZoom));
     settings.script = parser.value(options.script);
+    settings.verbose = parser.isSet(options.verbose);
     settings.timeLimit = reader.time(options.timeLimit);
     settings.screenshots = parser.value(options.screenshots);
     settings.stored = parser.value(options.compare);

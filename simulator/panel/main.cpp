@@ -2,6 +2,7 @@
 
 #include "commandline.h"
 #include "console.h"
+#include "displaytest.h"
 #include "exitstatus.h"
 #include "lineinput.h"
 #include "messagebar.h"
@@ -59,6 +60,16 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char* argv[], bool 
     }
     qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
     return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+// For messages.
+QString displayName() {
+    for (const char* const name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+        if (!qEnvironmentVariableIsEmpty(name)) {
+            return QStringLiteral("the display (%1=%2)").arg(name, qEnvironmentVariable(name));
+        }
+    }
+    return QStringLiteral("the display");
 }
 
 QStringList argumentList(int argc, char* argv[]) {
@@ -139,6 +150,19 @@ panel::Rig::Failure share(const panel::Settings& settings, panel::Rig& rig,
     return {};
 }
 
+// What is to be seen of the two that the application was not made for.
+void announceGeneration(controller::Generation generation) {
+    if (generation == controller::Generation::E1) {
+        std::fprintf(stderr,
+                     "panelsim: with generation 1 the application ends by an assertion that "
+                     "fails: it draws its logo with a command that this one lacks\n");
+    } else if (generation == controller::Generation::E2) {
+        std::fprintf(stderr,
+                     "panelsim: with generation 2 the panel stays black: the application "
+                     "takes it for generation 1 and waits for an identity that never comes\n");
+    }
+}
+
 int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
     panel::Rig rig(settings);
     if (const panel::Rig::Failure failure = rig.start()) {
@@ -147,6 +171,9 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
     std::unique_ptr<panel::Remote> remote;
     if (const panel::Rig::Failure failure = share(settings, rig, remote)) {
         return finish(failure.status, failure.text);
+    }
+    if (settings.startApplication) {
+        announceGeneration(settings.generation);
     }
     std::unique_ptr<panel::PanelWindow> window;
     if (!headless) {
@@ -164,6 +191,7 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
     if (!settings.script.isEmpty()) {
         session = std::make_unique<panel::Session>(script, settings.timeLimit, rig);
         session->setName(nameOf(settings.script));
+        session->setVerbose(settings.verbose);
         QObject::connect(session.get(), &panel::Session::ended, QCoreApplication::instance(),
                          [&](ExitStatus status, const QString& message) {
                              finish(status, message);
@@ -210,7 +238,13 @@ int main(int argc, char* argv[]) {
     const panel::CommandLine commandLine = panel::parseCommandLine(argumentList(argc, argv));
     const panel::Settings& settings = commandLine.settings;
     const bool headless = settings.headless || !hasDisplay();
-    const bool saysSomething = commandLine.wantsHelp || commandLine.wantsVersion;
+    const bool saysSomething =
+        commandLine.wantsHelp || commandLine.wantsVersion || !commandLine.error.isEmpty();
+    if (!headless && !saysSomething && !panel::canOpenDisplay(argc, argv)) {
+        return finish(
+            ExitStatus::NoDisplay,
+            QStringLiteral("cannot open %1; --headless does without a window").arg(displayName()));
+    }
     const std::unique_ptr<QCoreApplication> application =
         makeApplication(argc, argv, headless || saysSomething, settings.remotePort.has_value());
     if (commandLine.wantsVersion) {

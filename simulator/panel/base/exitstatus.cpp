@@ -11,7 +11,7 @@ struct StatusText {
     const char* text;
 };
 
-constexpr std::array<StatusText, 14> statusTexts{{
+constexpr std::array<StatusText, 15> statusTexts{{
     {ExitStatus::Success, "the session was played to its end, or the user quit"},
     {ExitStatus::Usage, "the command line was wrong"},
     {ExitStatus::ScriptError, "the script could not be read or holds a mistake"},
@@ -19,13 +19,14 @@ constexpr std::array<StatusText, 14> statusTexts{{
     {ExitStatus::NotMet, "what the script waits for or expects did not come true"},
     {ExitStatus::ApplicationExited, "the application ended unexpectedly"},
     {ExitStatus::PictureDiffers, "a screenshot differs from its stored picture, or there is none"},
-    {ExitStatus::FileNotWritten, "a picture or the trace could not be written"},
+    {ExitStatus::FileNotWritten, "a picture, the trace or a recording could not be written"},
     {ExitStatus::PortTaken, "the measurement server's port is in use"},
     {ExitStatus::Complaint, "the controller was sent something it does not accept"},
     {ExitStatus::BoardFailed, "the virtual board could not be set up"},
     {ExitStatus::ApplicationNotStarted, "the application could not be started"},
     {ExitStatus::Interrupted, "a session was stopped by the user or a signal"},
     {ExitStatus::NotShared, "the panel could not be shared: --remote and what belongs to it"},
+    {ExitStatus::NoDisplay, "the display for the window could not be opened"},
 }};
 
 } // namespace

@@ -20,6 +20,7 @@ enum class ExitStatus : int {
     ApplicationNotStarted = 12,
     Interrupted = 13,
     NotShared = 14,
+    NoDisplay = 15,
 };
 
 // One line for each status, for `--help`.

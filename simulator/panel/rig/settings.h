@@ -27,8 +27,9 @@ struct Settings {
     bool serverAnswersEverything = false;
     std::uint32_t seed = 1; // of the server's pulses
     bool headless = false;
-    int zoom = 2;   // window pixels per panel pixel
-    QString script; // empty: none
+    int zoom = 2;         // window pixels per panel pixel
+    QString script;       // empty: none
+    bool verbose = false; // says each line of the script as it is played
     std::chrono::milliseconds timeLimit{300000};
     QString screenshots = QStringLiteral("screenshots"); // directory
     QString stored; // directory of stored pictures; empty: none

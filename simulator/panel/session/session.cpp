@@ -63,6 +63,11 @@ void Session::enterStatement() {
     m_entered = true;
     m_sinceEntry.start();
     m_rig.note(TraceEvent::ScriptLine, current().text);
+    if (m_verbose) {
+        std::printf("%s:%d: %s\n", qUtf8Printable(m_name), current().line,
+                    qUtf8Printable(current().text));
+        std::fflush(stdout);
+    }
 }
 
 void Session::leaveStatement() {

@@ -28,6 +28,8 @@ public:
 
     // `name` stands in front of the line number in messages.
     void setName(const QString& name) { m_name = name; }
+    // Each statement is written to standard output when it begins.
+    void setVerbose(bool verbose) { m_verbose = verbose; }
 
     void start();
 
@@ -78,6 +80,7 @@ private:
     bool m_entered = false;                // whether the current statement has begun
     bool m_firstCall = false;
     bool m_started = false;
+    bool m_verbose = false;
     bool m_over = false;
     QElapsedTimer m_sinceEntry;
     QTimer m_timeLimit;

@@ -446,4 +446,41 @@ TEST_F(Panelsim, TheBoardOfAnotherPanelsimStays) {
     EXPECT_EQ(end(process).status, 0);
 }
 
+TEST_F(Panelsim, ATraceThatDoesNotFitOnTheDiskIsAFailure) {
+    const Outcome ended = play("allow complaint *\nwait exit 0\n", sendNonsense,
+                               {"--no-server", "--trace", "/dev/full"});
+    EXPECT_EQ(ended.status, 8);
+    expectContains(ended.error, "cannot write the trace /dev/full: ");
+}
+
+TEST_F(Panelsim, ReadsAScriptFromItsStandardInputAndSaysEachLineOnRequest) {
+    panel::BoundProcess process;
+    start(process, {"--no-server", "--no-app", "--script", "-", "--verbose"});
+    process.write("wait time 1ms\n# a comment\nend # here\n");
+    process.closeWriteChannel();
+    const Outcome ended = end(process);
+    EXPECT_EQ(ended.status, 0) << ended.error;
+    expectContains(ended.out, "standard-input:1: wait time 1ms\nstandard-input:3: end # here\n");
+}
+
+TEST_F(Panelsim, SaysWhatGenerationsOneAndTwoLookLike) {
+    expectContains(play("end\n", "exec sleep 100", {"--no-server", "--generation", "1"}).error,
+                   "the application ends by an assertion");
+    expectContains(play("end\n", "exec sleep 100", {"--no-server", "--generation", "2"}).error,
+                   "the panel stays black");
+    EXPECT_EQ(play("end\n", "exec sleep 100").error, "");
+}
+
+TEST_F(Panelsim, TellsADisplayThatCannotBeOpened) {
+    panel::BoundProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(PANELSIM), {"--no-server", "--no-app"});
+    const Outcome ended = end(process);
+    EXPECT_EQ(ended.status, 14);
+    EXPECT_EQ(ended.error, "panelsim: cannot open the display (QT_QPA_PLATFORM=no-such-platform); "
+                           "--headless does without a window\n");
+}
+
 } // namespace
