@@ -80,6 +80,10 @@ struct Options {
                               QStringLiteral("Play a session; see below. \"-\" reads it from the "
                                              "standard input."),
                               QStringLiteral("FILE")};
+    QCommandLineOption record{
+        QStringLiteral("record"),
+        QStringLiteral("Write what you do in the window to FILE, as a script that does it again."),
+        QStringLiteral("FILE")};
     QCommandLineOption verbose{QStringLiteral("verbose"),
                                QStringLiteral("Say each line of the script as it is played.")};
     QCommandLineOption timeLimit{QStringLiteral("time-limit"),
@@ -151,7 +155,7 @@ struct Options {
                 traceFormat,   statistics,     inspect,
                 speed,         fault,          remote,
                 remoteAddress, remotePassword, server,
-                verbose};
+                verbose,       record};
     }
 };
 
@@ -291,6 +295,7 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     settings.headless = parser.isSet(options.headless);
     settings.zoom = static_cast<int>(reader.number(options.zoom, lowestZoom, highestZoom));
     settings.script = parser.value(options.script);
+    settings.record = parser.value(options.record);
     settings.verbose = parser.isSet(options.verbose);
     settings.timeLimit = reader.time(options.timeLimit);
     settings.screenshots = parser.value(options.screenshots);
@@ -308,6 +313,10 @@ void read(const QCommandLineParser& parser, const Options& options, const QStrin
     reader.remote(options, settings);
     if (settings.renew && settings.stored.isEmpty()) {
         reader.fail(QStringLiteral("--renew stores the pictures of --compare DIR; give both"));
+    }
+    if (!settings.record.isEmpty() && (settings.headless || !settings.script.isEmpty())) {
+        reader.fail(QStringLiteral("--record writes down what is done in the window by hand; leave "
+                                   "out --headless and --script"));
     }
     if (!parser.positionalArguments().isEmpty()) {
         reader.fail(QStringLiteral("\"%1\" is no option; --help lists them")

@@ -180,6 +180,10 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         window = std::make_unique<panel::PanelWindow>(rig, settings.zoom);
         QApplication::setQuitOnLastWindowClosed(false); // the status is decided below
         window->show();
+        if (!settings.record.isEmpty() &&
+            !window->recorder().start(settings.record, settings.startApplication)) {
+            return finish(ExitStatus::FileNotWritten, window->recorder().error());
+        }
         if (remote) {
             window->messages().showNotice(remote->announcement());
         }
@@ -220,7 +224,10 @@ int run(const panel::Settings& settings, const panel::script::Script& script, bo
         QObject::connect(window.get(), &panel::PanelWindow::closed, QCoreApplication::instance(),
                          [&whenStopped] { QCoreApplication::exit(static_cast<int>(whenStopped)); });
     }
-    const int status = QCoreApplication::exec();
+    int status = QCoreApplication::exec();
+    if (window && !window->recorder().stop()) {
+        status = finish(ExitStatus::FileNotWritten, window->recorder().error());
+    }
     if (settings.statistics) {
         std::printf("%s", qUtf8Printable(rig.statistics()));
     }

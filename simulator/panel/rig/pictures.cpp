@@ -119,12 +119,19 @@ PictureStore::Outcome PictureStore::take(const QString& name, const QImage& imag
 }
 
 PictureStore::Outcome PictureStore::takeNumbered(const QImage& image) const {
+    const QString file = freeFile(QStringLiteral("screenshot"), QStringLiteral(".png"));
+    return written(image, m_directory, file, Result::Kept);
+}
+
+QString PictureStore::freeFile(const QString& name, const QString& suffix) const {
+    QDir().mkpath(m_directory);
     int number = 1;
     QString file;
     do {
-        file = fileIn(m_directory, QStringLiteral("screenshot-%1").arg(number++), ".png");
+        file = QDir(m_directory)
+                   .filePath(QStringLiteral("%1-%2%3").arg(name).arg(number++).arg(suffix));
     } while (QFileInfo::exists(file));
-    return written(image, m_directory, file, Result::Kept);
+    return file;
 }
 
 PictureStore::Outcome PictureStore::takeFailed(const QString& name, const QImage& image) const {

@@ -42,6 +42,8 @@ public:
     // `texts` are those on it, to tell which of them are where the pictures differ.
     Outcome take(const QString& name, const QImage& image,
                  const std::vector<PanelText>& texts = {}) const;
+    // A file in the same directory, which is made if need be: NAME-N with the first N that is free.
+    QString freeFile(const QString& name, const QString& suffix) const;
     // Keeps it as NAME.failed.png, and compares nothing.
     Outcome takeFailed(const QString& name, const QImage& image) const;
     // Removes pictures that were kept with names like this, in which '*' stands for anything.

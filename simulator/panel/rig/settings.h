@@ -29,6 +29,7 @@ struct Settings {
     bool headless = false;
     int zoom = 2;         // window pixels per panel pixel
     QString script;       // empty: none
+    QString record;       // file for what the user does; empty: none
     bool verbose = false; // says each line of the script as it is played
     std::chrono::milliseconds timeLimit{300000};
     QString screenshots = QStringLiteral("screenshots"); // directory

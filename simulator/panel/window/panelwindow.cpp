@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QScreen>
@@ -87,9 +88,9 @@ QWidget* inBezel(QWidget* panel) {
 } // namespace
 
 PanelWindow::PanelWindow(Rig& rig, int zoom)
-    : m_rig(rig), m_view(new PanelView), m_messages(new MessageBar), m_keys(new QLabel(keyLine())),
-      m_frameRate(new QLabel), m_server(new QLabel), m_application(new QLabel), m_wantedZoom(zoom),
-      m_largestZoom(highestZoom) {
+    : m_rig(rig), m_recorder(rig), m_view(new PanelView), m_messages(new MessageBar),
+      m_keys(new QLabel(keyLine())), m_frameRate(new QLabel), m_server(new QLabel),
+      m_application(new QLabel), m_wantedZoom(zoom), m_largestZoom(highestZoom) {
     setWindowTitle(tr("Virtual instrument"));
     m_keys->setWordWrap(true);
     m_keys->setContentsMargins(sideMargin, 0, sideMargin, 0);
@@ -170,9 +171,12 @@ void PanelWindow::perform(KeyAction action) {
         return setZoom(m_wantedZoom);
     case KeyAction::Screenshot:
         return takeScreenshot();
+    case KeyAction::Record:
+        return toggleRecording();
     case KeyAction::RestartApplication:
         return restartApplication();
     case KeyAction::KillApplication:
+        m_recorder.command(QStringLiteral("application kill"));
         return m_rig.application().kill();
     case KeyAction::ToggleServer:
         return toggleServer();
@@ -228,16 +232,41 @@ void PanelWindow::takeScreenshot() {
         m_messages->showProblem(outcome.text);
     } else {
         m_messages->showNotice(tr("Screenshot: %1").arg(outcome.text));
+        m_recorder.screenshot(QFileInfo(outcome.text).completeBaseName());
+    }
+}
+
+void PanelWindow::toggleRecording() {
+    if (!m_recorder.isRecording()) {
+        return beginRecording();
+    }
+    if (m_recorder.stop()) {
+        m_messages->showNotice(tr("Recorded: %1").arg(m_recorder.path()));
+    } else {
+        m_messages->showProblem(m_recorder.error());
+    }
+}
+
+void PanelWindow::beginRecording() {
+    const QString path =
+        m_rig.pictures().freeFile(QStringLiteral("recording"), QStringLiteral(".session"));
+    if (m_recorder.start(path, false)) {
+        m_messages->showNotice(tr("Recording: %1").arg(path));
+    } else {
+        m_messages->showProblem(m_recorder.error());
     }
 }
 
 void PanelWindow::restartApplication() {
+    m_recorder.startApplication();
     if (!m_rig.application().start()) {
         m_messages->showProblem(m_rig.application().error());
     }
 }
 
 void PanelWindow::toggleServer() {
+    m_recorder.command(m_rig.server().isListening() ? QStringLiteral("server stop")
+                                                    : QStringLiteral("server start"));
     if (m_rig.server().isListening()) {
         m_rig.server().stop();
     } else if (!m_rig.server().start()) {

@@ -2,6 +2,7 @@
 
 #include "keys.h"
 #include "panelview.h"
+#include "recorder.h"
 #include "rig.h"
 
 #include <QMainWindow>
@@ -25,6 +26,7 @@ public:
 
     PanelView& view() { return *m_view; }
     MessageBar& messages() { return *m_messages; }
+    Recorder& recorder() { return m_recorder; }
     // Menus stand in the order of their names; one that nobody has asked for is not shown.
     QMenu& menu(MenuName name);
 
@@ -50,6 +52,8 @@ private:
     QSize sizeWith(int zoom) const;
     void arrange();
     void takeScreenshot();
+    void toggleRecording();
+    void beginRecording();
     void restartApplication();
     void toggleServer();
     void refresh();
@@ -58,6 +62,7 @@ private:
     QString applicationState() const;
 
     Rig& m_rig;
+    Recorder m_recorder;
     PanelView* const m_view;
     MessageBar* const m_messages;
     QLabel* const m_keys;

@@ -150,6 +150,11 @@ TEST(CommandLine, SaysWhatIsWrong) {
     EXPECT_EQ(errorOf({"--trace-format", "xml"}), "--trace-format takes text or vcd, not \"xml\"");
     EXPECT_EQ(errorOf({"--speed", "0"}), "--speed takes a number from 0.001 to 20, not \"0\"");
     EXPECT_EQ(errorOf({"--renew"}), "--renew stores the pictures of --compare DIR; give both");
+    EXPECT_EQ(errorOf({"--record", "a", "--headless"}),
+              "--record writes down what is done in the window by hand; leave out --headless and "
+              "--script");
+    EXPECT_EQ(errorOf({"--record", "a", "--script", "b"}),
+              errorOf({"--record", "a", "--headless"}));
     EXPECT_EQ(errorOf({"session.txt"}), "\"session.txt\" is no option; --help lists them");
     EXPECT_EQ(errorOf({"--nonsense"}), "Unknown option 'nonsense'. --help lists the options.");
 }

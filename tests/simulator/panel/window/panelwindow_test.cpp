@@ -236,5 +236,36 @@ TEST_F(PanelWindowTest, AKeyQuits) {
     EXPECT_EQ(closed.size(), 1);
 }
 
+TEST_F(PanelWindowTest, AKeyBeginsAndEndsARecording) {
+    const QString path = m_directory.filePath(QStringLiteral("shots/recording-1.session"));
+    press("C");
+    EXPECT_TRUE(m_window->recorder().isRecording());
+    press("P");
+    press("S");
+    press("S");
+    press("K");
+    press("C");
+    EXPECT_FALSE(m_window->recorder().isRecording());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray recorded = file.readAll();
+    EXPECT_TRUE(recorded.contains("The application was running already")) << recorded.constData();
+    EXPECT_TRUE(recorded.endsWith("\nscreenshot screenshot-1\nserver start\nserver stop\n"
+                                  "application kill\n"))
+        << recorded.constData();
+    press("C");
+    EXPECT_TRUE(m_window->recorder().path().endsWith(QStringLiteral("recording-2.session")));
+}
+
+TEST_F(PanelWindowTest, ARecordingThatCannotBeWrittenIsAProblem) {
+    EXPECT_FALSE(m_window->recorder().start(QStringLiteral("/no/such/file"), true));
+    EXPECT_TRUE(m_window->recorder().error().startsWith(
+        QStringLiteral("cannot write the recording /no/such/file: ")));
+    ASSERT_TRUE(m_window->recorder().start(QStringLiteral("/dev/full"), true));
+    press("C");
+    EXPECT_TRUE(m_window->messages().problem().startsWith(
+        QStringLiteral("cannot write the recording /dev/full: ")));
+}
+
 } // namespace
 } // namespace panel
