@@ -81,7 +81,7 @@ Reply Probe::ask(const QByteArray& request) const {
     }
     reply.after = std::chrono::duration_cast<milliseconds>(Clock::now() - sent);
     reply.bytes = receive();
-    reply.rest = listen(m_patience);
+    reply.rest = listen();
     return reply;
 }
 
@@ -93,9 +93,9 @@ QByteArray Probe::listen(milliseconds quiet) const {
     return all;
 }
 
-QByteArray Probe::lines(int count) const {
+QByteArray Probe::objects(int count) const {
     QByteArray all;
-    while (all.count('\n') < count && waitFor(m_patience * lateFactor)) {
+    while (all.count('}') < count && waitFor(m_patience * lateFactor)) {
         all += receive();
     }
     return all;

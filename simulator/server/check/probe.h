@@ -34,18 +34,20 @@ public:
     ~Probe();
 
     void send(const QByteArray& bytes) const;
-    // Sends, and waits for the reply, four times as long as the panel would.
+    // Sends a request, or several with line feeds between them, and waits for a reply, four times
+    // as long as the panel would.
     Reply ask(const QByteArray& request) const;
     // What arrives until nothing has for so long.
-    QByteArray listen(milliseconds quiet) const;
-    // What arrives until there are so many line feeds, or nothing has come for four patiences.
-    QByteArray lines(int count) const;
+    QByteArray listen(milliseconds quiet = whatNobodyAskedFor) const;
+    // What arrives until there are so many objects, or nothing has come for four patiences.
+    QByteArray objects(int count) const;
     // Nothing more will be sent.
     void halfClose() const;
     // All that comes until the server closes, too; nothing if it does not.
     QByteArray untilClosed(bool* closed) const;
 
-    milliseconds patience() const { return m_patience; }
+    // How long what should not come is waited for.
+    static constexpr milliseconds whatNobodyAskedFor{50};
 
 private:
     bool waitFor(milliseconds time) const;

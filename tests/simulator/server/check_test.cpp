@@ -52,7 +52,7 @@ protected:
 
 TEST_F(ServerCheckTest, PassesOnTheSimulatedServerAndLeavesItAsItWas) {
     server.setParams({0.125, {0.1, 0.2, 0.3, 0.4}});
-    const Outcome outcome = checked({}, "200");
+    const Outcome outcome = checked({}, "2000");
     EXPECT_EQ(outcome.status, 0) << outcome.report;
     EXPECT_THAT(outcome.report, HasSubstr(" passed, 0 failed, 0 to think about"));
     EXPECT_EQ(server.params().timeConst, 0.125);
@@ -102,38 +102,38 @@ INSTANTIATE_TEST_SUITE_P(
     , ServerCheckFaultTest,
     testing::Values(Deviation{"silent", "in-time", "50"}, Deviation{"late 100ms", "in-time", "50"},
                     Deviation{"late 100ms for DATA?", "always-in-time", "50"},
-                    Deviation{"cut", "params", "200"}, Deviation{"cut for DATA?", "data", "200"},
-                    Deviation{"not-json", "params", "200"}, Deviation{"not-object", "data", "200"},
-                    Deviation{"missing-members", "params", "200"},
-                    Deviation{"missing-members for DATA?", "run", "200"},
-                    Deviation{"nul-byte", "no-nul-bytes", "200"},
-                    Deviation{"huge", "one-piece", "200"},
-                    Deviation{"close-connection", "params", "200"},
-                    Deviation{"close-connection 2", "requests-in-bursts", "200"},
-                    Deviation{"pieces", "one-piece", "200"}, Deviation{"hang", "in-time", "50"},
-                    Deviation{"garbage", "stop", "200"}, Deviation{"garbage", "params", "200"},
+                    Deviation{"cut", "params", "500"}, Deviation{"cut for DATA?", "data", "500"},
+                    Deviation{"not-json", "params", "500"}, Deviation{"not-object", "data", "500"},
+                    Deviation{"missing-members", "params", "500"},
+                    Deviation{"missing-members for DATA?", "run", "500"},
+                    Deviation{"nul-byte", "no-nul-bytes", "500"},
+                    Deviation{"huge", "one-piece", "500"},
+                    Deviation{"close-connection", "params", "500"},
+                    Deviation{"close-connection 2", "requests-in-bursts", "500"},
+                    Deviation{"pieces", "one-piece", "500"}, Deviation{"hang", "in-time", "50"},
+                    Deviation{"garbage", "stop", "500"}, Deviation{"garbage", "params", "500"},
                     Deviation{"silent for START", "start", "50"},
-                    Deviation{"cut for START", "start", "200"}),
-    [](const auto& info) {
-        return QString(info.param.fault).replace(QRegExp("[^a-z0-9]"), "_").toStdString() + "_" +
-               QString(info.param.check).replace('-', '_').toStdString();
+                    Deviation{"cut for START", "start", "500"}),
+    [](const auto& tested) {
+        return QString(tested.param.fault).replace(QRegExp("[^a-z0-9]"), "_").toStdString() + "_" +
+               QString(tested.param.check).replace('-', '_').toStdString();
     });
 
 // A server that does something else than it should, rather than something wrong with its replies.
 TEST_F(ServerCheckTest, AnswersToStopAreFound) {
     server.setAnswerEverything(true);
-    EXPECT_THAT(checked({"stop"}, "200").report, HasSubstr("STOP in a run was answered \"Ok"));
-    EXPECT_EQ(checked({"dac"}, "200").status, 0) << "an answer to DAC does no harm";
+    EXPECT_THAT(checked({"stop"}, "500").report, HasSubstr("FAIL   stop"));
+    EXPECT_EQ(checked({"dac"}, "500").status, 0) << "an answer to DAC does no harm";
 }
 
 TEST_F(ServerCheckTest, LevelsThatDoNotComeBackAreFound) {
     server.setReply("PARAMS?",
                     R"({"TimeConst":0.5,"Ref0":0.05,"Ref1":0.15,"Ref2":0.25,"Ref3":0.35})"
                     "\n");
-    EXPECT_EQ(checked({"dac"}, "200").status, 1);
-    EXPECT_EQ(checked({"start"}, "200").status, 1);
-    EXPECT_EQ(checked({"start-and-stop"}, "200").status, 1);
-    EXPECT_EQ(checked({"reconnect"}, "200").status, 1);
+    EXPECT_EQ(checked({"dac"}, "500").status, 1);
+    EXPECT_EQ(checked({"start"}, "500").status, 1);
+    EXPECT_EQ(checked({"start-and-stop"}, "500").status, 1);
+    EXPECT_EQ(checked({"reconnect"}, "500").status, 1);
 }
 
 TEST_F(ServerCheckTest, GreetingsAreFound) {
