@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds usualStart{20};
 
 Faults::Faults(DisplayModule& module, Complaints& complaints, Doors doors)
     : m_module(module), m_complaints(complaints), m_doors(std::move(doors)),
-      m_wires(module, m_strikes) {
+      m_strikes(m_doors.struck), m_wires(module, m_strikes) {
     m_doors.server([this](server::MeasurementServer& server) {
         connect(&server, &server::MeasurementServer::faultStruck, this,
                 [this](const QString& name, const QByteArray& request) {

@@ -26,6 +26,8 @@ public:
         std::function<void(const std::function<void(server::MeasurementServer&)>&)> server;
         std::function<void(bool on)> switchServer;
         std::function<void(bool forbidden)> forbidPins;
+        // Called when a fault strikes first, on whichever thread; may be empty.
+        std::function<void(const QString&)> struck = {};
     };
 
     Faults(DisplayModule& module, Complaints& complaints, Doors doors);

@@ -25,10 +25,17 @@ void Strikes::begin(const QString& name, const QString& text) {
 }
 
 void Strikes::add(const QString& name, const QString& what) {
-    const std::lock_guard lock(m_mutex);
-    Fault& fault = m_faults[name];
-    if (++fault.count == 1) {
-        say(fault.text, what);
+    QString first;
+    {
+        const std::lock_guard lock(m_mutex);
+        Fault& fault = m_faults[name];
+        if (++fault.count == 1) {
+            say(fault.text, what);
+            first = fault.text + QStringLiteral(": ") + what;
+        }
+    }
+    if (m_told && !first.isEmpty()) {
+        m_told(first);
     }
 }
 

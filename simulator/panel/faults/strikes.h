@@ -2,16 +2,19 @@
 
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace panel {
 
 // Which faults have struck, and how often. The first strike of each is told in one line on standard
-// error; how many there were, when it is over. Thread-safe.
+// error, and to `told`; how many there were, when it is over. Thread-safe.
 class Strikes {
 public:
-    Strikes() = default;
+    // `told` is called on the thread on which the fault strikes.
+    explicit Strikes(std::function<void(const QString&)> told = {}) : m_told(std::move(told)) {}
     Strikes(const Strikes&) = delete;
     Strikes& operator=(const Strikes&) = delete;
     ~Strikes(); // all are over
@@ -31,7 +34,8 @@ private:
     };
     static void close(Fault& fault);
 
-    mutable std::mutex m_mutex;
+    const std::function<void(const QString&)> m_told;
+    mutable std::mutex m_mutex;        // guards what follows
     std::map<QString, Fault> m_faults; // by name
 };
 

@@ -33,6 +33,9 @@ Rig::Rig(const Settings& settings)
     m_module.setSpeed(settings.speed);
     m_pictures.compareWith(settings.stored, settings.renew);
     connect(&m_server, &ServerThread::requestReceived, this, [this](const QString& request) {
+        if (!m_settings.realServer.host.isEmpty()) {
+            note(TraceEvent::Request, request); // the simulated one's are noted as they come
+        }
         m_requests.add(request);
         emit requestReceived();
     });
@@ -93,6 +96,7 @@ Faults::Doors Rig::faultDoors() {
             m_server.start();
         }
     };
+    doors.struck = [this](const QString& text) { note(TraceEvent::Fault, text); };
     doors.forbidPins = [this](bool forbidden) { m_board->setLinesForbidden(forbidden); };
     return doors;
 }

@@ -225,7 +225,7 @@ void BusTrace::released(controller::Nanoseconds now) {
 }
 
 void BusTrace::note(TraceEvent event, const QString& text, controller::Nanoseconds now) {
-    const char* const signs[] = {"<", ">", "S"};
+    const char* const signs[] = {"<", ">", "S", "F"};
     add(now, QStringLiteral("%1 %2").arg(QLatin1String(signs[static_cast<int>(event)]), text));
 }
 

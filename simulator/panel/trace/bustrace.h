@@ -46,6 +46,7 @@ private:
 //     3.250001 < START 1                      a request to the server
 //     3.250002 > Ok                           its reply
 //     3.300000 S tap 339 28                   a line of the script
+//     3.300000 F bus-dead: ...              a fault on demand, when it strikes first
 //     3.300000 ! ...                          a complaint of the controller
 class BusTrace : public Trace {
 public:

@@ -9,7 +9,7 @@
 namespace panel {
 
 // What happens around the controller and stands in a trace beside what crosses its wires.
-enum class TraceEvent { Request, Reply, ScriptLine };
+enum class TraceEvent { Request, Reply, ScriptLine, Fault };
 
 // Takes down what happens on the instrument, in the order of the panel's time.
 class Trace : public controller::Observer {

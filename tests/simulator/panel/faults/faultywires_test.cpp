@@ -143,5 +143,17 @@ TEST_F(FaultyWiresTest, StrikesAreToldOnceAndCounted) {
               "panelsim: fault bus-dead: has struck 2 times\n");
 }
 
+TEST(Strikes, TheFirstIsToldToWhoeverWantsToKnow) {
+    QStringList told;
+    Strikes strikes([&told](const QString& text) { told += text; });
+    strikes.begin("bus-dead", "bus-dead after 1s");
+    strikes.add("bus-dead", "one");
+    strikes.add("bus-dead", "two");
+    EXPECT_EQ(told, QStringList("bus-dead after 1s: one"));
+    strikes.begin("bus-dead", "bus-dead");
+    strikes.add("bus-dead", "three");
+    EXPECT_EQ(told.last().toStdString(), "bus-dead: three");
+}
+
 } // namespace
 } // namespace panel

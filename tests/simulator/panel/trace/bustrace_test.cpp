@@ -130,6 +130,7 @@ TEST_F(BusTraceOfAModule, TellsEverythingInTheOrderOfTime) {
     trace.note(TraceEvent::Request, QStringLiteral("START 1"), 99'000'000'000);
     trace.note(TraceEvent::Reply, QStringLiteral("Ok"), 99'000'000'000);
     trace.note(TraceEvent::ScriptLine, QStringLiteral("tap 1 2"), 99'000'000'000);
+    trace.note(TraceEvent::Fault, QStringLiteral("bus-dead: x"), 99'000'000'000);
     const std::vector<std::string> lines = end(trace);
 
     EXPECT_THAT(
@@ -140,7 +141,7 @@ TEST_F(BusTraceOfAModule, TellsEverythingInTheOrderOfTime) {
                     "P CS high", "P CS low", "W REG_CMD_WRITE 0x00000020", "P CS high",
                     testing::MatchesRegex("L 1 CMD_TEXT 1 2 28 OPT_CENTER \"Ok\": SAVE_CONTEXT; "
                                           ".*BEGIN BITMAPS; .*; RESTORE_CONTEXT"),
-                    "D", "< START 1", "> Ok", "S tap 1 2"));
+                    "D", "< START 1", "> Ok", "S tap 1 2", "F bus-dead: x"));
     EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end(), [](const auto& a, const auto& b) {
         return std::stod(a) < std::stod(b);
     }));
