@@ -54,7 +54,7 @@ $s/rig                  Qt $c $c/base simulator/board simulator/server $s/base $
 $s/session/commands     Qt $c $c/base $c/memory simulator/board simulator/server $s/base $s/module $s/inspect $s/faults $s/rig
 $s/session              Qt $c $c/base simulator/server $s/base $s/module $s/faults $s/rig $s/session/commands
 $s/record               Qt $c $s/base $s/module $s/rig
-$s/window               Qt $c $c/base $s/base $s/module $s/faults $s/rig $s/record
+$s/window               Qt $c $c/base $s/base $s/module $s/inspect $s/faults $s/rig $s/record
 $s/remote               Qt $c $c/base $s/base $s/module $s/rig
 $s                      Qt $s/base $s/module $s/inspect $s/faults $s/remote $s/rig $s/session $s/session/commands $s/window
 "

@@ -137,22 +137,32 @@ void Rig::traceRequests() {
 }
 
 void Rig::note(TraceEvent event, const QString& text) {
-    if (m_trace) {
-        m_module.locked([&](const controller::Controller& controller) {
-            m_trace->note(event, text, controller.time());
-        });
+    if (m_settings.trace.isEmpty()) {
+        return;
     }
+    m_module.locked([&](const controller::Controller& controller) {
+        if (m_trace) {
+            m_trace->note(event, text, controller.time());
+        }
+    });
 }
 
 Rig::Failure Rig::finishTrace() {
-    const bool isWhole = !m_trace || m_module.locked([this](const controller::Controller&) {
-        return m_trace->finish();
-    });
-    if (isWhole) {
+    if (!m_trace) {
         return {};
     }
-    return {ExitStatus::FileNotWritten, QStringLiteral("cannot write all of the trace %1: %2")
-                                            .arg(m_settings.trace, m_trace->errorString())};
+    m_module.removeObserver(m_trace.get());
+    m_module.removeWatcher(&m_trace->fingers());
+    Failure failure;
+    m_module.locked([&](const controller::Controller&) {
+        if (!m_trace->finish()) {
+            failure = {ExitStatus::FileNotWritten,
+                       QStringLiteral("cannot write all of the trace %1: %2")
+                           .arg(m_settings.trace, m_trace->errorString())};
+        }
+        m_trace.reset();
+    });
+    return failure;
 }
 
 Rig::Failure Rig::startBoard() {

@@ -18,6 +18,13 @@ enum class KeyAction {
     RestartApplication,
     KillApplication,
     ToggleServer,
+    Inspect,
+    HoldPixel,
+    Pause,
+    StepFrame,
+    StepCommand,
+    Slower,
+    Faster,
     Quit,
 };
 
@@ -34,12 +41,25 @@ constexpr KeyBinding keyBindings[] = {
     {KeyAction::Zoom3, MenuName::View, "3", "three times as large"},
     {KeyAction::Zoom4, MenuName::View, "4", "four times as large"},
     {KeyAction::Screenshot, MenuName::Record, "P", "take a screenshot, 480 x 272"},
-    {KeyAction::Record, MenuName::Record, "C", "begin or end a recording of what I do"},
+    {KeyAction::Record, MenuName::Record, "C", "record on or off"},
     {KeyAction::RestartApplication, MenuName::Instrument, "R", "restart the application"},
     {KeyAction::KillApplication, MenuName::Instrument, "K", "kill the application"},
     {KeyAction::ToggleServer, MenuName::Instrument, "S", "switch the measurement server on or off"},
+    {KeyAction::Inspect, MenuName::View, "I", "inspector"},
+    {KeyAction::HoldPixel, MenuName::View, "H", "hold the pixel that is inspected"},
+    {KeyAction::Pause, MenuName::Instrument, "Space", "let the panel's time stand still, or go on"},
+    {KeyAction::StepFrame, MenuName::Instrument, "F", "on by one frame"},
+    {KeyAction::StepCommand, MenuName::Instrument, "N", "on by the next command"},
+    {KeyAction::Slower, MenuName::Instrument, "-", "slower"},
+    {KeyAction::Faster, MenuName::Instrument, "+", "faster"},
     {KeyAction::Quit, MenuName::Instrument, "Q", "quit"},
 };
+
+// What has to do with the inspector stands in the menus only: there is no room for it below the
+// panel of a small screen.
+constexpr bool isOfInspector(KeyAction action) {
+    return action >= KeyAction::Inspect && action <= KeyAction::Faster;
+}
 
 // One line for each key.
 QString keyHelp();

@@ -29,6 +29,24 @@ void PanelView::show(const QImage& picture, const controller::PanelState& state)
 void PanelView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     paintAppearance(painter, rect(), m_picture, m_state);
+    paintOutline(painter);
+}
+
+void PanelView::setOutline(const QRect& pixels) {
+    m_outline = pixels;
+    update();
+}
+
+// Of two colours, so that it shows on anything.
+void PanelView::paintOutline(QPainter& painter) const {
+    if (m_outline.isEmpty()) {
+        return;
+    }
+    const QRect around(m_outline.topLeft() * m_zoom, m_outline.size() * m_zoom);
+    painter.setPen(Qt::white);
+    painter.drawRect(around.adjusted(-1, -1, 0, 0));
+    painter.setPen(QPen(Qt::magenta, 1, Qt::DashLine));
+    painter.drawRect(around.adjusted(-1, -1, 0, 0));
 }
 
 QPoint PanelView::pixelAt(QPoint position) const {

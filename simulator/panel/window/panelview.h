@@ -18,6 +18,9 @@ public:
     int zoom() const { return m_zoom; }
     void show(const QImage& picture, const controller::PanelState& state);
 
+    // Draws a frame around these pixels of the panel; empty: none.
+    void setOutline(const QRect& pixels);
+
 signals:
     void touched(QPoint pixel); // finger down at, or moved to, this panel pixel
     void released();
@@ -33,9 +36,11 @@ protected:
 
 private:
     QPoint pixelAt(QPoint position) const;
+    void paintOutline(QPainter& painter) const;
 
     int m_zoom = 1;
     QImage m_picture;
+    QRect m_outline;
     controller::PanelState m_state;
 };
 

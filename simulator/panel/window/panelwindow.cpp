@@ -1,6 +1,7 @@
 #include "panelwindow.h"
 
 #include "faultmenu.h"
+#include "inspectdock.h"
 #include "messagebar.h"
 
 #include <QAction>
@@ -32,6 +33,9 @@ constexpr QRgb bezelColour = 0xFF202428;
 QString keyLine() {
     QStringList entries;
     for (const KeyBinding& binding : keyBindings) {
+        if (isOfInspector(binding.action)) {
+            continue;
+        }
         entries +=
             QStringLiteral("<b>%1</b>&nbsp;%2")
                 .arg(QString::fromLatin1(binding.key),
@@ -89,8 +93,9 @@ QWidget* inBezel(QWidget* panel) {
 
 PanelWindow::PanelWindow(Rig& rig, int zoom)
     : m_rig(rig), m_recorder(rig), m_view(new PanelView), m_messages(new MessageBar),
-      m_keys(new QLabel(keyLine())), m_frameRate(new QLabel), m_server(new QLabel),
-      m_application(new QLabel), m_wantedZoom(zoom), m_largestZoom(highestZoom) {
+      m_inspect(new InspectDock(rig.inspector(), this)), m_keys(new QLabel(keyLine())),
+      m_frameRate(new QLabel), m_server(new QLabel), m_application(new QLabel), m_wantedZoom(zoom),
+      m_largestZoom(highestZoom) {
     setWindowTitle(tr("Virtual instrument"));
     m_keys->setWordWrap(true);
     m_keys->setContentsMargins(sideMargin, 0, sideMargin, 0);
@@ -108,6 +113,10 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     for (QLabel* label : {m_application, m_server, m_frameRate}) {
         label->setContentsMargins(sideMargin, statusMargin, sideMargin, statusMargin);
     }
+    addDockWidget(Qt::RightDockWidgetArea, m_inspect);
+    m_inspect->hide();
+    connect(m_view, &PanelView::hovered, m_inspect, &InspectDock::hover);
+    connect(m_inspect, &InspectDock::outlined, m_view, &PanelView::setOutline);
     addMenus();
     addActions();
     new FaultMenu(m_rig.faults(), menu(MenuName::Faults)); // the menu owns it
@@ -180,6 +189,14 @@ void PanelWindow::perform(KeyAction action) {
         return m_rig.application().kill();
     case KeyAction::ToggleServer:
         return toggleServer();
+    case KeyAction::Inspect:
+    case KeyAction::HoldPixel:
+    case KeyAction::Pause:
+    case KeyAction::StepFrame:
+    case KeyAction::StepCommand:
+    case KeyAction::Slower:
+    case KeyAction::Faster:
+        return m_inspect->perform(action);
     case KeyAction::Quit:
         close();
         return;

@@ -14,6 +14,7 @@ class QLabel;
 
 namespace panel {
 
+class InspectDock;
 class MessageBar;
 
 // The instrument's front on the screen: the panel, what state it is in, what there is to say, and
@@ -65,6 +66,7 @@ private:
     Recorder m_recorder;
     PanelView* const m_view;
     MessageBar* const m_messages;
+    InspectDock* const m_inspect;
     QLabel* const m_keys;
     QLabel* const m_frameRate;
     QLabel* const m_server;
