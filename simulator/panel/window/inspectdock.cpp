@@ -1,5 +1,6 @@
 #include "inspectdock.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -25,7 +26,12 @@ constexpr int leastWidth = 420;
 constexpr int memoryBytes = 256;
 constexpr int wordsRole = Qt::UserRole; // of an item: the words it stands for
 constexpr std::array<double, 9> speeds{0.01, 0.05, 0.1, 0.25, 0.5, 1, 2, 5, 10};
-constexpr int usualSpeed = 5;
+
+int nearestSpeed(double speed) {
+    const auto found = std::lower_bound(speeds.begin(), speeds.end(), speed);
+    return static_cast<int>(std::min<std::ptrdiff_t>(
+        found - speeds.begin(), static_cast<std::ptrdiff_t>(speeds.size()) - 1));
+}
 
 QTreeWidget* makeTree(const QStringList& columns) {
     auto* tree = new QTreeWidget;
@@ -64,7 +70,6 @@ void addCauses(QTreeWidgetItem& item, const std::vector<Cause>& causes) {
     for (const Cause& cause : causes) {
         auto* by = new QTreeWidgetItem(&item, {QStringLiteral("by ") + cause.text});
         new QTreeWidgetItem(by, {cause.transactions});
-        by->setExpanded(true);
     }
 }
 
@@ -181,7 +186,6 @@ QWidget* InspectDock::makeTimeRow() {
     for (const double speed : speeds) {
         m_speed->addItem(tr("%1 x").arg(speed));
     }
-    m_speed->setCurrentIndex(usualSpeed);
     layout->addWidget(m_speed);
     connect(m_speed, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
         m_inspector.module().setSpeed(speeds.at(static_cast<std::size_t>(index)));
@@ -291,9 +295,8 @@ void InspectDock::perform(KeyAction action) {
 }
 
 void InspectDock::changeSpeed(int steps) {
-    const int index =
-        std::clamp(m_speed->currentIndex() + steps, 0, static_cast<int>(speeds.size()) - 1);
-    m_speed->setCurrentIndex(index);
+    const int index = std::clamp(nearestSpeed(m_inspector.module().speed()) + steps, 0,
+                                 static_cast<int>(speeds.size()) - 1);
     m_inspector.module().setSpeed(speeds.at(static_cast<std::size_t>(index)));
 }
 
@@ -315,6 +318,9 @@ void InspectDock::refresh() {
 }
 
 void InspectDock::showTime() {
+    if (!m_speed->view()->isVisible()) {
+        m_speed->setCurrentIndex(nearestSpeed(m_inspector.module().speed()));
+    }
     m_pause->setText(m_inspector.module().isPaused() ? tr("Go") : tr("Pause"));
 }
 
@@ -335,7 +341,7 @@ void InspectDock::showPixel() {
         m_steps->addTopLevelItem(stepItem(*step));
     }
     if (QTreeWidgetItem* top = m_steps->topLevelItem(0)) {
-        top->setExpanded(true);
+        m_steps->expandRecursively(m_steps->model()->index(0, 0));
         m_steps->setCurrentItem(top);
     } else {
         emit outlined({});
