@@ -129,7 +129,7 @@ QString checkGreeting(const Target& target) {
 QString checkInTime(const Target& target) {
     const Probe probe(target.host, target.port, target.patience);
     for (const char* const request : {"PARAMS?", "DATA?", "START 0.5"}) {
-        const QString late = lateness(request, probe.ask(request), target.patience);
+        QString late = lateness(request, probe.ask(request), target.patience);
         if (!late.isEmpty()) {
             return late;
         }
@@ -219,7 +219,7 @@ QString checkRun(const Target& target) {
     for (int i = 0; i < 3; ++i) {
         probe.listen(milliseconds(100));
         const Reply reply = probe.ask("DATA?");
-        const QString mistake = mistakeIn("DATA?, in a run,", reply, dataMembers);
+        QString mistake = mistakeIn("DATA?, in a run,", reply, dataMembers);
         if (!mistake.isEmpty()) {
             return mistake;
         }
