@@ -148,14 +148,11 @@ void PanelWindow::addMenus() {
     for (const MenuName name :
          {MenuName::Instrument, MenuName::Record, MenuName::View, MenuName::Faults}) {
         m_menus[name] = menuBar()->addMenu(tr(titleOf(name)));
-        m_menus[name]->menuAction()->setVisible(false);
     }
 }
 
 QMenu& PanelWindow::menu(MenuName name) {
-    QMenu& menu = *m_menus.at(name);
-    menu.menuAction()->setVisible(true);
-    return menu;
+    return *m_menus.at(name);
 }
 
 void PanelWindow::addActions() {

@@ -28,7 +28,6 @@ public:
     PanelView& view() { return *m_view; }
     MessageBar& messages() { return *m_messages; }
     Recorder& recorder() { return m_recorder; }
-    // Menus stand in the order of their names; one that nobody has asked for is not shown.
     QMenu& menu(MenuName name);
 
     // How far a script is, as `progress` says whenever the window is drawn anew.

@@ -134,21 +134,6 @@ TEST_F(PanelWindowTest, IsNoLargerThanTheScreenHasRoomFor) {
     EXPECT_EQ(view->zoom(), 4) << "as the user wanted it";
 }
 
-TEST_F(PanelWindowTest, ShowsOnlyMenusThatSomebodyUses) {
-    const auto isShown = [this](const char* title) {
-        for (const QAction* action : m_window->menuBar()->actions()) {
-            if (action->text() == QLatin1String(title)) {
-                return action->isVisible();
-            }
-        }
-        return false;
-    };
-    EXPECT_TRUE(isShown("&Instrument"));
-    EXPECT_FALSE(isShown("&Faults"));
-    m_window->menu(MenuName::Faults).addAction(QStringLiteral("Nothing works"));
-    EXPECT_TRUE(isShown("&Faults"));
-}
-
 TEST_F(PanelWindowTest, MessagesCoverNothing) {
     MessageBar& messages = m_window->messages();
     messages.setProgress(QStringLiteral("line 3"));
