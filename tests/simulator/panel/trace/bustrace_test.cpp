@@ -111,6 +111,7 @@ protected:
 // Without the times.
 std::vector<std::string> bodies(const std::vector<std::string>& lines) {
     std::vector<std::string> bodies;
+    bodies.reserve(lines.size());
     for (const std::string& line : lines) {
         bodies.push_back(line.substr(line.find(' ') + 1));
     }
