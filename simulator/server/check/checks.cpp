@@ -127,6 +127,7 @@ QString checkGreeting(const Target& target) {
 }
 
 QString checkInTime(const Target& target) {
+    const Restored restored(target);
     const Probe probe(target.host, target.port, target.patience);
     for (const char* const request : {"PARAMS?", "DATA?", "START 0.5"}) {
         QString late = lateness(request, probe.ask(request), target.patience);
