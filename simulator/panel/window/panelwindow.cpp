@@ -41,7 +41,7 @@ QString keyLine() {
                 .arg(QString::fromLatin1(binding.key),
                      QString::fromLatin1(binding.text).replace(' ', QStringLiteral("&nbsp;")));
     }
-    return entries.join(QStringLiteral(" &nbsp; "));
+    return entries.join(QStringLiteral("&nbsp;&nbsp; "));
 }
 
 const char* titleOf(MenuName name) {
@@ -120,7 +120,7 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     addMenus();
     addActions();
     new FaultMenu(m_rig.faults(), menu(MenuName::Faults)); // the menu owns it
-    setZoom(zoom);
+    fitInto(screen()->availableSize());
 
     connect(m_messages, &MessageBar::changed, this, &PanelWindow::arrange);
     connect(m_view, &PanelView::touched, this,
@@ -209,7 +209,10 @@ void PanelWindow::fitInto(QSize available) {
     for (const auto& [what, action] : m_actions) {
         action->setEnabled(zoomOf(what).value_or(1) <= m_largestZoom);
     }
-    setZoom(std::min(m_wantedZoom, m_largestZoom));
+    const int zoom = std::min(m_wantedZoom, m_largestZoom);
+    // The menus tell the keys, too.
+    m_keys->setVisible(sizeWith(zoom).height() <= available.height());
+    setZoom(zoom);
 }
 
 // Of the window with its frame, without what stands beside the panel.
@@ -227,6 +230,9 @@ void PanelWindow::setZoom(int zoom) {
     arrange();
     // Not when somebody has made it larger on purpose, or the desktop has.
     if (!isMaximized() && !isFullScreen()) {
+        for (QLayout* inner : {centralWidget()->layout(), QMainWindow::layout()}) {
+            inner->activate(); // or the last zoom's size would still be the smallest
+        }
         resize(sizeHint());
     }
 }

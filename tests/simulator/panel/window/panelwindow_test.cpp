@@ -128,6 +128,8 @@ TEST_F(PanelWindowTest, IsNoLargerThanTheScreenHasRoomFor) {
     EXPECT_TRUE(actionOf("2")->isEnabled());
     m_window->fitInto({800, 480});
     EXPECT_EQ(view->zoom(), 1);
+    EXPECT_LE(m_window->width(), 800);
+    EXPECT_LE(m_window->height(), 480);
     m_window->fitInto({300, 200});
     EXPECT_EQ(view->zoom(), 1) << "there is nothing smaller";
     m_window->fitInto(largeScreen);
