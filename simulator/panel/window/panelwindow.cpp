@@ -211,16 +211,16 @@ void PanelWindow::fitInto(QSize available) {
     }
     const int zoom = std::min(m_wantedZoom, m_largestZoom);
     // The menus tell the keys, too.
-    m_keys->setVisible(sizeWith(zoom).height() <= available.height());
+    const QSize size = sizeWith(zoom);
+    m_keys->setVisible(size.height() + heightOf(*m_keys, size.width()) <= available.height());
     setZoom(zoom);
 }
 
-// Of the window with its frame, without what stands beside the panel.
+// Of the window with its frame, without what stands beside the panel and without the keys.
 QSize PanelWindow::sizeWith(int zoom) const {
     const int width = panelSize.width() * zoom + 2 * bezelWidth;
     const int around = menuBar()->sizeHint().height() + statusBar()->sizeHint().height() +
-                       heightOf(*m_messages, width) + heightOf(*m_keys, width) + 2 * bezelWidth +
-                       2 * spacing;
+                       heightOf(*m_messages, width) + 2 * bezelWidth + 2 * spacing;
     const int frame = isVisible() ? frameGeometry().height() - height() : 0;
     return {width, panelSize.height() * zoom + around + std::max(frame, usualTitleBar)};
 }
@@ -230,7 +230,8 @@ void PanelWindow::setZoom(int zoom) {
     arrange();
     // Not when somebody has made it larger on purpose, or the desktop has.
     if (!isMaximized() && !isFullScreen()) {
-        for (QLayout* inner : {centralWidget()->layout(), QMainWindow::layout()}) {
+        for (QLayout* inner :
+             {m_view->parentWidget()->layout(), centralWidget()->layout(), QMainWindow::layout()}) {
             inner->activate(); // or the last zoom's size would still be the smallest
         }
         resize(sizeHint());
