@@ -14,6 +14,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
+
 namespace panel {
 namespace {
 
@@ -147,7 +150,7 @@ QByteArray contentOf(const QString& path) {
     return file.readAll();
 }
 
-// Keeps the machine busy.
+// Keeps the machine busy, and with it whatever else runs there: only on request.
 class Load {
 public:
     Load() {
@@ -167,12 +170,12 @@ private:
     std::array<BoundProcess, 6> m_processes;
 };
 
-int plays() {
-    const int plays = qEnvironmentVariableIntValue("RECORDED_TOUR_PLAYS");
-    return plays > 0 ? plays : 2;
+// How often under load; otherwise once, beside the other tests.
+int playsUnderLoad() {
+    return qEnvironmentVariableIntValue("RECORDED_TOUR_PLAYS");
 }
 
-TEST(RecordedTour, PlayedUnderLoadItGivesTheSamePicturesAndRequests) {
+TEST(RecordedTour, PlayedAgainItGivesTheSamePicturesAndRequests) {
     const QTemporaryDir directory;
     const QString pictures = directory.filePath("pictures");
     const QString recording = directory.filePath("tour.session");
@@ -188,8 +191,8 @@ TEST(RecordedTour, PlayedUnderLoadItGivesTheSamePicturesAndRequests) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(script + '\n');
     file.close();
-    const Load load;
-    for (int i = 0; i < plays(); ++i) {
+    const auto load = playsUnderLoad() > 0 ? std::make_unique<Load>() : nullptr;
+    for (int i = 0; i < std::max(playsUnderLoad(), 1); ++i) {
         BoundProcess panelsim;
         panelsim.setProcessChannelMode(QProcess::MergedChannels);
         panelsim.start(QStringLiteral(PANELSIM),
