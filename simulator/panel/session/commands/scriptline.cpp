@@ -1,32 +1,8 @@
 #include "scriptline.h"
 
-#include <cmath>
+#include "duration.h"
 
 namespace panel::script {
-
-namespace {
-
-constexpr double longestTimeMs = 24.0 * 3600 * 1000;
-
-std::optional<std::chrono::milliseconds> parseTime(const QString& word) {
-    double factor = 0;
-    QString digits = word;
-    if (word.endsWith(QStringLiteral("ms"))) {
-        factor = 1;
-        digits.chop(2);
-    } else if (word.endsWith('s')) {
-        factor = 1000;
-        digits.chop(1);
-    }
-    bool ok = false;
-    const double milliseconds = digits.toDouble(&ok) * factor;
-    if (!ok || factor == 0 || !(milliseconds >= 0 && milliseconds <= longestTimeMs)) {
-        return std::nullopt;
-    }
-    return std::chrono::milliseconds(std::llround(milliseconds));
-}
-
-} // namespace
 
 ScriptLine::ScriptLine(const QString& text) {
     split(text);
@@ -128,7 +104,7 @@ double ScriptLine::number(const QString& what) {
 
 std::chrono::milliseconds ScriptLine::time(const QString& what) {
     const QString text = word(what);
-    const auto time = parseTime(text);
+    const auto time = server::durationFromText(text);
     if (!time) {
         fail(QStringLiteral("%1 must be a time such as 500ms or 2s, not \"%2\"").arg(what, text));
     }
@@ -160,7 +136,7 @@ std::optional<std::chrono::milliseconds> ScriptLine::takeLimit() {
     if (at < 1 || m_words[at] != QStringLiteral("within")) {
         return std::nullopt;
     }
-    const auto limit = parseTime(m_words.last());
+    const auto limit = server::durationFromText(m_words.last());
     if (!limit) {
         fail(QStringLiteral("the limit must be a time such as 500ms or 2s, not \"%1\"")
                  .arg(m_words.last()));
