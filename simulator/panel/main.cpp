@@ -123,33 +123,6 @@ std::unique_ptr<panel::LineInput> answerQuestions(panel::Rig& rig) {
     return input;
 }
 
-// The panel for viewers elsewhere; the failure is the user's to mend.
-panel::Rig::Failure share(const panel::Settings& settings, panel::Rig& rig,
-                          std::unique_ptr<panel::Remote>& remote) {
-    if (!settings.remotePort) {
-        return {};
-    }
-    remote = std::make_unique<panel::Remote>(rig.module());
-    panel::Remote::Options options;
-    options.address = QHostAddress(settings.remoteAddress);
-    options.port = *settings.remotePort;
-    options.passwordFile = settings.remotePassword;
-    const QString error = remote->start(options);
-    if (!error.isEmpty()) {
-        return {ExitStatus::NotShared, error};
-    }
-    QObject::connect(remote.get(), &panel::Remote::touched, &rig,
-                     [&rig](QPoint pixel) { rig.finger().touch(pixel); });
-    QObject::connect(remote.get(), &panel::Remote::released, &rig,
-                     [&rig] { rig.finger().release(); });
-    std::printf("%s\n", qUtf8Printable(remote->announcement()));
-    std::fflush(stdout);
-    if (!remote->warning().isEmpty()) {
-        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(remote->warning()));
-    }
-    return {};
-}
-
 // What is to be seen of the two that the application was not made for.
 void announceGeneration(controller::Generation generation) {
     if (generation == controller::Generation::E1) {
@@ -163,79 +136,148 @@ void announceGeneration(controller::Generation generation) {
     }
 }
 
-int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
-    panel::Rig rig(settings);
-    if (const panel::Rig::Failure failure = rig.start()) {
-        return finish(failure.status, failure.text);
-    }
-    std::unique_ptr<panel::Remote> remote;
-    if (const panel::Rig::Failure failure = share(settings, rig, remote)) {
-        return finish(failure.status, failure.text);
-    }
-    if (settings.startApplication) {
-        announceGeneration(settings.generation);
-    }
-    std::unique_ptr<panel::PanelWindow> window;
-    if (!headless) {
-        window = std::make_unique<panel::PanelWindow>(rig, settings.zoom);
-        QApplication::setQuitOnLastWindowClosed(false); // the status is decided below
-        window->show();
-        if (!settings.record.isEmpty() &&
-            !window->recorder().start(settings.record, settings.startApplication)) {
-            return finish(ExitStatus::FileNotWritten, window->recorder().error());
-        }
-        if (remote) {
-            window->messages().showNotice(remote->announcement());
-        }
-    }
+// The instrument and what stands on it, for one run of the program.
+class Desk {
+public:
+    explicit Desk(const panel::Settings& settings) : m_settings(settings), m_rig(settings) {}
+
+    // The failure is the user's to mend.
+    panel::Rig::Failure start(bool headless);
+    void play(const panel::script::Script& script);
+    // Until the user, the script or the application has ended it.
+    int run();
+
+private:
+    panel::Rig::Failure share();
+    panel::Rig::Failure openWindow();
+    void scriptEnded(ExitStatus status, const QString& message);
+    void stop() const { QCoreApplication::exit(static_cast<int>(m_whenStopped)); }
+
+    const panel::Settings& m_settings;
+    panel::Rig m_rig;
+    std::unique_ptr<panel::Remote> m_remote;
+    std::unique_ptr<panel::PanelWindow> m_window; // null: headless
+    std::unique_ptr<panel::Session> m_session;
+    std::unique_ptr<panel::LineInput> m_questions;
     // With a window: of a script that has failed, whose window the user still looks at.
-    ExitStatus whenStopped =
-        settings.script.isEmpty() ? ExitStatus::Success : ExitStatus::Interrupted;
-    std::unique_ptr<panel::Session> session;
-    if (!settings.script.isEmpty()) {
-        session = std::make_unique<panel::Session>(script, settings.timeLimit, rig);
-        session->setName(nameOf(settings.script));
-        session->setVerbose(settings.verbose);
-        QObject::connect(session.get(), &panel::Session::ended, QCoreApplication::instance(),
-                         [&](ExitStatus status, const QString& message) {
-                             finish(status, message);
-                             whenStopped = status;
-                             if (window && status != ExitStatus::Success) {
-                                 window->messages().showProblem(message);
-                             } else {
-                                 QCoreApplication::exit(static_cast<int>(status));
-                             }
-                         });
-        if (window) {
-            window->followScript([&session] { return session->progress(); });
+    ExitStatus m_whenStopped = ExitStatus::Success;
+};
+
+panel::Rig::Failure Desk::start(bool headless) {
+    if (panel::Rig::Failure failure = m_rig.start()) {
+        return failure;
+    }
+    if (panel::Rig::Failure failure = share()) {
+        return failure;
+    }
+    if (m_settings.startApplication) {
+        announceGeneration(m_settings.generation);
+    }
+    if (!headless) {
+        if (panel::Rig::Failure failure = openWindow()) {
+            return failure;
         }
-        QTimer::singleShot(0, session.get(), &panel::Session::start);
-    } else if (headless) {
-        watchHeadless(rig);
+    } else if (m_settings.script.isEmpty()) {
+        watchHeadless(m_rig);
     }
-    std::unique_ptr<panel::LineInput> questions;
-    if (settings.inspect) {
-        questions = answerQuestions(rig);
+    if (m_settings.inspect) {
+        m_questions = answerQuestions(m_rig);
     }
+    return {};
+}
+
+// The panel for viewers elsewhere.
+panel::Rig::Failure Desk::share() {
+    if (!m_settings.remotePort) {
+        return {};
+    }
+    m_remote = std::make_unique<panel::Remote>(m_rig.module());
+    panel::Remote::Options options;
+    options.address = QHostAddress(m_settings.remoteAddress);
+    options.port = *m_settings.remotePort;
+    options.passwordFile = m_settings.remotePassword;
+    const QString error = m_remote->start(options);
+    if (!error.isEmpty()) {
+        return {ExitStatus::NotShared, error};
+    }
+    QObject::connect(m_remote.get(), &panel::Remote::touched, &m_rig,
+                     [this](QPoint pixel) { m_rig.finger().touch(pixel); });
+    QObject::connect(m_remote.get(), &panel::Remote::released, &m_rig,
+                     [this] { m_rig.finger().release(); });
+    std::printf("%s\n", qUtf8Printable(m_remote->announcement()));
+    std::fflush(stdout);
+    if (!m_remote->warning().isEmpty()) {
+        std::fprintf(stderr, "panelsim: %s\n", qUtf8Printable(m_remote->warning()));
+    }
+    return {};
+}
+
+panel::Rig::Failure Desk::openWindow() {
+    m_window = std::make_unique<panel::PanelWindow>(m_rig, m_settings.zoom);
+    QApplication::setQuitOnLastWindowClosed(false); // stop() says with which status
+    QObject::connect(m_window.get(), &panel::PanelWindow::closed, &m_rig, [this] { stop(); });
+    m_window->show();
+    if (m_remote) {
+        m_window->messages().showNotice(m_remote->announcement());
+    }
+    panel::Recorder& recorder = m_window->recorder();
+    if (!m_settings.record.isEmpty() &&
+        !recorder.start(m_settings.record, m_settings.startApplication)) {
+        return {ExitStatus::FileNotWritten, recorder.error()};
+    }
+    return {};
+}
+
+void Desk::play(const panel::script::Script& script) {
+    m_whenStopped = ExitStatus::Interrupted;
+    m_session = std::make_unique<panel::Session>(script, m_settings.timeLimit, m_rig);
+    m_session->setName(nameOf(m_settings.script));
+    m_session->setVerbose(m_settings.verbose);
+    QObject::connect(
+        m_session.get(), &panel::Session::ended, &m_rig,
+        [this](ExitStatus status, const QString& message) { scriptEnded(status, message); });
+    if (m_window) {
+        m_window->followScript([this] { return m_session->progress(); });
+    }
+    QTimer::singleShot(0, m_session.get(), &panel::Session::start);
+}
+
+void Desk::scriptEnded(ExitStatus status, const QString& message) {
+    finish(status, message);
+    m_whenStopped = status;
+    if (m_window && status != ExitStatus::Success) {
+        m_window->messages().showProblem(message);
+    } else {
+        stop();
+    }
+}
+
+int Desk::run() {
     const panel::StopSignals stopSignals;
-    QObject::connect(&stopSignals, &panel::StopSignals::received, QCoreApplication::instance(),
-                     [&whenStopped] { QCoreApplication::exit(static_cast<int>(whenStopped)); });
-    if (window) {
-        QObject::connect(window.get(), &panel::PanelWindow::closed, QCoreApplication::instance(),
-                         [&whenStopped] { QCoreApplication::exit(static_cast<int>(whenStopped)); });
-    }
+    QObject::connect(&stopSignals, &panel::StopSignals::received, &m_rig, [this] { stop(); });
     int status = QCoreApplication::exec();
-    if (window && !window->recorder().stop()) {
-        status = finish(ExitStatus::FileNotWritten, window->recorder().error());
+    if (m_window && !m_window->recorder().stop()) {
+        status = finish(ExitStatus::FileNotWritten, m_window->recorder().error());
     }
-    if (settings.statistics) {
-        std::printf("%s", qUtf8Printable(rig.statistics()));
+    if (m_settings.statistics) {
+        std::printf("%s", qUtf8Printable(m_rig.statistics()));
     }
-    if (const panel::Rig::Failure failure = rig.finishTrace()) {
+    if (const panel::Rig::Failure failure = m_rig.finishTrace()) {
         const int untraced = finish(failure.status, failure.text);
         return status == 0 ? untraced : status;
     }
     return status;
+}
+
+int run(const panel::Settings& settings, const panel::script::Script& script, bool headless) {
+    Desk desk(settings);
+    if (const panel::Rig::Failure failure = desk.start(headless)) {
+        return finish(failure.status, failure.text);
+    }
+    if (!settings.script.isEmpty()) {
+        desk.play(script);
+    }
+    return desk.run();
 }
 
 } // namespace
@@ -264,6 +306,11 @@ int main(int argc, char* argv[]) {
     }
     if (!commandLine.error.isEmpty()) {
         return finish(ExitStatus::Usage, commandLine.error);
+    }
+    if (headless && !settings.record.isEmpty()) {
+        return finish(ExitStatus::Usage,
+                      QStringLiteral("--record writes down what is done in the window; it does not "
+                                     "go with --headless, nor without a display"));
     }
     panel::script::Script script;
     if (!settings.script.isEmpty()) {

@@ -464,6 +464,14 @@ TEST_F(Panelsim, SaysWhatGenerationsOneAndTwoLookLike) {
     EXPECT_EQ(play("end\n", "exec sleep 100").error, "");
 }
 
+TEST_F(Panelsim, RecordsOnlyWhatIsDoneInAWindow) {
+    const Outcome ended =
+        play("end\n", "exec sleep 100", {"--no-server", "--record", path("recording")});
+    EXPECT_EQ(ended.status, 2);
+    expectContains(ended.error, "--record writes down what is done in the window");
+    EXPECT_FALSE(QFile::exists(path("recording")));
+}
+
 TEST_F(Panelsim, TellsADisplayThatCannotBeOpened) {
     panel::BoundProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
