@@ -64,6 +64,8 @@ slow() {
     stage "Fault matrix" --needs "Build, all of it" \
         --ctest build/test-logs/faults.xml ctest --preset faults --parallel "$system_jobs" \
         --output-junit "$PWD/build/test-logs/faults.xml"
+    stage "Recorded tour" --needs "Build, all of it" --ctest build/test-logs/recorded.xml \
+        ctest --preset recorded --output-junit "$PWD/build/test-logs/recorded.xml"
     stage "In a browser" --needs "Build, all of it" \
         --ctest build/test-logs/browser.xml test_in_browser
     stage "Packages" --needs "Packages for boards" tests/packages/check.sh
