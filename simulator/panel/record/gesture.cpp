@@ -21,7 +21,7 @@ bool isUnique(const PanelText& text, const std::vector<PanelText>& texts) {
 } // namespace
 
 QString placeName(const controller::Controller& controller, QPoint pixel) {
-    const QString here = QStringLiteral("%1 %2").arg(pixel.x()).arg(pixel.y());
+    QString here = QStringLiteral("%1 %2").arg(pixel.x()).arg(pixel.y());
     const int tag = tagAt(controller, pixel);
     if (tag == 0 || tag == untouchable || placesOfTag(controller, tag).count != 1) {
         return here;

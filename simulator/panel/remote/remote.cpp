@@ -8,7 +8,9 @@
 #include <QFileInfo>
 #include <QHostInfo>
 
+#include <algorithm>
 #include <csignal>
+#include <iterator>
 
 namespace panel {
 
@@ -24,8 +26,10 @@ QString firstPage(quint16 port) {
 
 // An address of this machine as others write it, for use with a port.
 QString hostOf(const QHostAddress& address) {
-    if (address == QHostAddress::AnyIPv4 || address == QHostAddress::AnyIPv6 ||
-        address == QHostAddress::Any) {
+    constexpr QHostAddress::SpecialAddress everywhere[] = {QHostAddress::Any, QHostAddress::AnyIPv4,
+                                                           QHostAddress::AnyIPv6};
+    if (std::any_of(std::begin(everywhere), std::end(everywhere),
+                    [&address](auto special) { return address == special; })) {
         return QHostInfo::localHostName();
     }
     return address.protocol() == QAbstractSocket::IPv6Protocol

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <rfb/rfb.h>
 #include <stdexcept>
+#include <utility>
 namespace panel {
 
 namespace {
@@ -42,7 +43,7 @@ struct VncServer::Screen {
     char* passwords[2] = {nullptr, nullptr};
     rfbScreenInfoPtr info;
 
-    Screen(VncServer& owner, const QByteArray& title, const QImage& first);
+    Screen(VncServer& owner, QByteArray title, const QImage& first);
     ~Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
@@ -64,8 +65,9 @@ private:
     const QByteArray m_title;
 };
 
-VncServer::Screen::Screen(VncServer& owner, const QByteArray& title, const QImage& first)
-    : server(owner), picture(first.convertToFormat(QImage::Format_RGB32)), m_title(title) {
+VncServer::Screen::Screen(VncServer& owner, QByteArray title, const QImage& first)
+    : server(owner), picture(first.convertToFormat(QImage::Format_RGB32)),
+      m_title(std::move(title)) {
     rfbLogEnable(FALSE); // what matters is said by ourselves
     info = rfbGetScreen(nullptr, nullptr, picture.width(), picture.height(), bitsOfColour, colours,
                         bytesOfPixel);
