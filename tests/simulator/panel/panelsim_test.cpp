@@ -159,7 +159,7 @@ TEST_F(Panelsim, TellsAWaitThatIsNotMet) {
 TEST_F(Panelsim, TellsWhatThereWasInsteadOfWhatWasAwaited) {
     const QByteArray application = "echo one; echo two; exec sleep 100";
     expectContains(play("wait log two\nwait log on within 100ms\n", application).error,
-                   "not within 100 ms; written since the last \"wait log\" or \"mark\": nothing");
+                   R"(not within 100 ms; written since the last "wait log" or "mark": nothing)");
     expectContains(play("wait log tow within 500ms\n", application).error,
                    R"("mark": "two", "one")");
     expectContains(play("wait request STOP within 100ms\n", application).error,
