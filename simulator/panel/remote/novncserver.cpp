@@ -2,6 +2,8 @@
 
 #include "vncserver.h"
 
+#include <QTcpSocket>
+
 namespace panel {
 
 struct VncServer::Screen {};
