@@ -23,6 +23,10 @@ std::string VirtualBoard::root() const {
 
 void VirtualBoard::setTransfersFail(bool /*fail*/) {}
 
+bool VirtualBoard::setLinesForbidden(bool /*forbidden*/) {
+    return false;
+}
+
 Traffic VirtualBoard::traffic() const {
     return {};
 }
