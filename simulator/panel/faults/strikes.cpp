@@ -29,6 +29,9 @@ void Strikes::add(const QString& name, const QString& what) {
     {
         const std::lock_guard lock(m_mutex);
         Fault& fault = m_faults[name];
+        if (fault.text.isEmpty()) {
+            fault.text = name; // nobody has said more of it
+        }
         if (++fault.count == 1) {
             say(fault.text, what);
             first = fault.text + QStringLiteral(": ") + what;
