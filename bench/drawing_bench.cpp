@@ -14,7 +14,7 @@
 namespace {
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 
 // Draws the list again and again, from its beginning.
 void draw(benchmark::State& state, int width, int height, const std::vector<std::uint32_t>& list) {

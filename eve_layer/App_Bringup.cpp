@@ -9,7 +9,7 @@
 namespace {
 
 constexpr uint8_t chipPresent = 0x7C; // what "__REG_ID" reads once the controller runs
-constexpr uint32_t bootTimeMs = 300;
+constexpr uint32_t bringUpBootMs = 300;
 constexpr uint32_t pollIntervalMs = 100;
 
 void write8(Gpu_Hal_Context_t* host, uint32_t addr, uint32_t value) {
@@ -62,7 +62,7 @@ void enablePanel(Gpu_Hal_Context_t* host) {
 } // namespace
 
 void App_Common_Init(Gpu_Hal_Context_t* host) {
-    wakeController(host, isEve1(), bootTimeMs);
+    wakeController(host, isEve1(), bringUpBootMs);
     waitForRegister(host, EVE_REG("__REG_ID"), chipPresent);
     waitForRegister(host, EVE_REG("__REG_CPURESET"), 0);
     setPanelTiming(host);

@@ -2,6 +2,7 @@
 
 #include "Gpu_Hal.h"
 #include "displaysettings.h"
+#include "word.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,7 +10,6 @@
 
 namespace {
 
-constexpr uint32_t wordSize = 4;
 constexpr uint32_t overrunSize = 512;
 
 // The command buffer and the room behind it that a string may run into, in one object.

@@ -4,6 +4,7 @@
 #include "Gpu_Hal.h"
 #include "displaysettings.h"
 #include "generationguard.h"
+#include "word.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +15,7 @@
 
 namespace {
 
-constexpr const char* thisFile = "eve_layer/CoPro_Cmds.cpp";
+constexpr const char* coProCmdsFile = "eve_layer/CoPro_Cmds.cpp";
 
 // Two 16-bit arguments in one word.
 constexpr uint32_t halves(int low, int high) {
@@ -74,7 +75,7 @@ void sendTextCommand(Gpu_Hal_Context_t* host, std::initializer_list<uint32_t> wo
 } // namespace
 
 uint8_t COUNT_ARGS(const char* s) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     uint8_t count = 0;
     const char* percent = std::strchr(s, '%');
     while (percent != nullptr) {
@@ -161,42 +162,42 @@ void Gpu_CoCmd_GradColor(Gpu_Hal_Context_t* host, uint32_t rgb) {
 }
 
 void Gpu_CoCmd_Sync(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SYNC"));
 }
 
 void Gpu_CoCmd_SetRotate(Gpu_Hal_Context_t* host, uint32_t r) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SETROTATE"), r);
 }
 
 void Gpu_CoCmd_SetScratch(Gpu_Hal_Context_t* host, uint32_t handle) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SETSCRATCH"), handle);
 }
 
 void Gpu_CoCmd_Int_RAMShared(Gpu_Hal_Context_t* host, uint32_t ptr) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_INT_RAMSHARED"), ptr);
 }
 
 void Gpu_CoCmd_Int_SWLoadImage(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t options) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_INT_SWLOADIMAGE"), ptr, options);
 }
 
 void Gpu_CoCmd_Nop(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_NOP"));
 }
 
 void Gpu_CoCmd_AppendF(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_APPENDF"), ptr, num);
 }
 
 void Gpu_CoCmd_Int_RamShared(Gpu_Hal_Context_t* host, uint32_t ptr) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_INT_RAMSHARED"), ptr);
 }
 
@@ -206,12 +207,12 @@ void Gpu_CoCmd_Number(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int16_t fon
 }
 
 void Gpu_CoCmd_SetBase(Gpu_Hal_Context_t* host, uint32_t base) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SETBASE"), base);
 }
 
 void Gpu_CoCmd_FillWidth(Gpu_Hal_Context_t* host, uint32_t s) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FILLWIDTH"), s);
 }
 
@@ -220,17 +221,17 @@ void Gpu_CoCmd_SetFont(Gpu_Hal_Context_t* host, uint32_t font, uint32_t ptr) {
 }
 
 void Gpu_CoCmd_SetFont2(Gpu_Hal_Context_t* host, uint32_t font, uint32_t ptr, uint32_t firstchar) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SETFONT2"), font, ptr, firstchar);
 }
 
 void Gpu_CoCmd_RomFont(Gpu_Hal_Context_t* host, uint32_t font, uint32_t romslot) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_ROMFONT"), font, romslot);
 }
 
 void Gpu_CoCmd_ResetFonts(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_RESETFONTS"));
 }
 
@@ -276,7 +277,7 @@ void Gpu_CoCmd_Gradient(Gpu_Hal_Context_t* host, int16_t x0, int16_t y0, uint32_
 
 void Gpu_CoCmd_GradientA(Gpu_Hal_Context_t* host, int16_t x0, int16_t y0, uint32_t argb0,
                          int16_t x1, int16_t y1, uint32_t argb1) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_GRADIENTA"), halves(x0, y0), argb0, halves(x1, y1), argb1);
 }
 
@@ -303,28 +304,28 @@ void Gpu_CoCmd_Logo(Gpu_Hal_Context_t* host) {
 }
 
 void Gpu_CoCmd_AnimStart(Gpu_Hal_Context_t* host, uint32_t ch, uint32_t aoptr, uint32_t loop) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ANIMSTART"), ch, aoptr, loop);
 }
 
 void Gpu_CoCmd_AnimStop(Gpu_Hal_Context_t* host, uint32_t ch) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ANIMSTOP"), ch);
 }
 
 void Gpu_CoCmd_AnimXY(Gpu_Hal_Context_t* host, uint32_t ch, int16_t x, int16_t y) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ANIMXY"), ch, halves(x, y));
 }
 
 void Gpu_CoCmd_AnimDraw(Gpu_Hal_Context_t* host, uint32_t ch) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ANIMDRAW"), ch);
 }
 
 void Gpu_CoCmd_AnimFrame(Gpu_Hal_Context_t* host, int16_t x, int16_t y, uint32_t aoptr,
                          uint32_t frame) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ANIMFRAME"), halves(x, y), aoptr, frame);
 }
 
@@ -345,7 +346,7 @@ void Gpu_CoCmd_TouchTransform(Gpu_Hal_Context_t* host, int32_t x0, int32_t y0, i
 }
 
 void Gpu_CoCmd_GetPoint(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int32_t sx, int32_t sy) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_GETPOINT"), halves(x, y), sx, sy);
 }
 
@@ -383,13 +384,13 @@ void Gpu_CoCmd_BitmapTransform(Gpu_Hal_Context_t* host, int32_t x0, int32_t y0, 
 }
 
 void Gpu_CoCmd_RotateAround(Gpu_Hal_Context_t* host, int32_t x, int32_t y, int32_t a, int32_t s) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_ROTATEAROUND"), x, y, a, s);
 }
 
 void Gpu_CoCmd_SetBitmap(Gpu_Hal_Context_t* host, uint32_t addr, uint16_t fmt, int16_t w,
                          uint32_t h) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SETBITMAP"), addr, halves(fmt, w), h);
 }
 
@@ -399,7 +400,7 @@ void Gpu_CoCmd_Snapshot(Gpu_Hal_Context_t* host, uint32_t ptr) {
 
 void Gpu_CoCmd_Snapshot2(Gpu_Hal_Context_t* host, uint32_t fmt, uint32_t ptr, int16_t x, int16_t y,
                          int16_t w, int16_t h) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_SNAPSHOT2"), fmt, ptr, halves(x, y), halves(w, h));
 }
 
@@ -440,44 +441,44 @@ void Gpu_CoCmd_MemCrc(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t num, uint3
 }
 
 void Gpu_CoCmd_MediaFifo(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t size) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_MEDIAFIFO"), ptr, size);
 }
 
 void Gpu_CoCmd_PlayVideo(Gpu_Hal_Context_t* host, uint32_t options) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_PLAYVIDEO"), options);
 }
 
 void Gpu_CoCmd_VideoStart(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_VIDEOSTART"));
 }
 
 void Gpu_CoCmd_VideoFrame(Gpu_Hal_Context_t* host, uint32_t dst, uint32_t ptr) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     sendCommand(host, EVE_REG("__CMD_VIDEOFRAME"), dst, ptr);
 }
 
 void Gpu_CoCmd_VideoStartF(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_VIDEOSTARTF"));
 }
 
 void Gpu_CoCmd_Inflate2(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t options) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_INFLATE2"), ptr, options);
 }
 
 void Gpu_CoCmd_Sha1(Gpu_Hal_Context_t* host, uint32_t src, uint32_t num, uint32_t hash) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_SHA1"), src, num, hash);
 }
 
 // --- the controller's clock
 
 void Set_GpuClock(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     static uint32_t slot = 0;
     Gpu_CoCmd_Sync(host);
     Gpu_CoCmd_Memcpy(host, slot * 4, EVE_REG("__REG_CLOCK"), 4);
@@ -487,7 +488,7 @@ void Set_GpuClock(Gpu_Hal_Context_t* host) {
 }
 
 uint32_t Get_GpuClock(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE2_OR_EVE3(thisFile, __LINE__, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(coProCmdsFile, __LINE__, ONLY_EVE2_OR_EVE3);
     const uint32_t first = Gpu_Hal_Rd32(host, 0);
     const uint32_t second = Gpu_Hal_Rd32(host, 4);
     return first > second ? first - second : second - first;
@@ -496,68 +497,68 @@ uint32_t Get_GpuClock(Gpu_Hal_Context_t* host) {
 // --- flash commands
 
 void Gpu_CoCmd_FlashErase(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHERASE"));
 }
 
 void Gpu_CoCmd_FlashAttach(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHATTACH"));
 }
 
 void Gpu_CoCmd_FlashDetach(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHDETACH"));
 }
 
 void Gpu_CoCmd_FlashSpiDesel(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHSPIDESEL"));
 }
 
 void Gpu_CoCmd_ClearCache(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_CLEARCACHE"));
 }
 
 void Gpu_CoCmd_FlashWrite(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHWRITE"), ptr, num);
 }
 
 void Gpu_CoCmd_FlashUpdate(Gpu_Hal_Context_t* host, uint32_t dest, uint32_t src, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHUPDATE"), dest, src, num);
 }
 
 void Gpu_CoCmd_FlashRead(Gpu_Hal_Context_t* host, uint32_t dest, uint32_t src, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHREAD"), dest, src, num);
 }
 
 void Gpu_CoCmd_FlashSource(Gpu_Hal_Context_t* host, uint32_t ptr) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHSOURCE"), ptr);
 }
 
 void Gpu_CoCmd_FlashSpiTx(Gpu_Hal_Context_t* host, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHSPITX"), num);
 }
 
 void Gpu_CoCmd_FlashSpiRx(Gpu_Hal_Context_t* host, uint32_t ptr, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHSPIRX"), ptr, num);
 }
 
 void Gpu_CoCmd_FlashFast(Gpu_Hal_Context_t* host, uint32_t result) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     sendCommand(host, EVE_REG("__CMD_FLASHFAST"), result);
 }
 
 void Gpu_CoCmd_FlashWriteExt(Gpu_Hal_Context_t* host, uint32_t dest, uint32_t num,
                              const uint8_t* data) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     const auto bytes = static_cast<uint16_t>(12 + (num + 3) / 4 * 4);
     Gpu_CoCmd_StartFunc(host, bytes);
     Gpu_Copro_SendCmd(host, EVE_REG("__CMD_FLASHWRITE"));
@@ -578,7 +579,6 @@ namespace {
 constexpr uint32_t pageSize = 256;     // written as a whole
 constexpr uint32_t sectorSize = 4096;  // updated as a whole
 constexpr uint32_t readAlignment = 64; // of the flash address
-constexpr uint32_t wordSize = 4;       // alignment of addresses in controller memory
 constexpr uint8_t erased = 0xFF;
 constexpr uint32_t unknownState = 0xFFFF;
 
@@ -644,32 +644,32 @@ void enterFastMode(Gpu_Hal_Context_t* host) {
 } // namespace
 
 uint8_t Gpu_CoCmd_FlashHelper_GetState(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     return flashState(host);
 }
 
 void Gpu_CoCmd_FlashHelper_Init(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     while (flashState(host) == EVE_REG("__FLASH_STATUS_DETACHED")) {
         Gpu_CoCmd_FlashAttach(host); // not flushed: see the header
     }
 }
 
 void Gpu_CoCmd_FlashHelper_Erase(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     Gpu_CoCmd_FlashErase(host);
     complete(host);
 }
 
 void Gpu_CoCmd_FlashHelper_ClearCache(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     Gpu_CoCmd_ClearCache(host);
     complete(host);
 }
 
 Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Write(Gpu_Hal_Context_t* host, uint32_t dest, uint32_t num,
                                                const uint8_t* data) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     if (dest % pageSize != 0) {
         return Flash_Cmd_Misaligned;
     }
@@ -689,7 +689,7 @@ Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Write(Gpu_Hal_Context_t* host, uint32_t
 
 Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Update(Gpu_Hal_Context_t* host, uint32_t dest,
                                                 uint32_t src, uint32_t num) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     if (src % wordSize != 0 || dest % sectorSize != 0) {
         return Flash_Cmd_Misaligned;
     }
@@ -706,7 +706,7 @@ Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Update(Gpu_Hal_Context_t* host, uint32_
 
 Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Read(Gpu_Hal_Context_t* host, uint32_t dest, uint32_t src,
                                               uint32_t num, uint8_t* out) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     if (dest % wordSize != 0 || src % readAlignment != 0) {
         return Flash_Cmd_Misaligned;
     }
@@ -718,7 +718,7 @@ Flash_Cmd_Status_t Gpu_CoCmd_FlashHelper_Read(Gpu_Hal_Context_t* host, uint32_t 
 }
 
 uint32_t Gpu_CoCmd_FlashHelper_SwitchState(Gpu_Hal_Context_t* host, uint8_t state) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     const uint8_t current = flashState(host);
     if (current == state) {
         return 0;
@@ -739,7 +739,7 @@ uint32_t Gpu_CoCmd_FlashHelper_SwitchState(Gpu_Hal_Context_t* host, uint8_t stat
 }
 
 uint32_t Gpu_CoCmd_FlashHelper_SwitchFullMode(Gpu_Hal_Context_t* host) {
-    NEEDS_EVE3(thisFile, __LINE__, ONLY_EVE3);
+    NEEDS_EVE3(coProCmdsFile, __LINE__, ONLY_EVE3);
     const bool full = reaches(host, Gpu_CoCmd_FlashDetach, EVE_REG("__FLASH_STATUS_DETACHED")) &&
                       reaches(host, Gpu_CoCmd_FlashAttach, EVE_REG("__FLASH_STATUS_BASIC")) &&
                       reaches(host, enterFastMode, EVE_REG("__FLASH_STATUS_FULL"));

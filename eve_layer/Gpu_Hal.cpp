@@ -2,13 +2,14 @@
 
 #include "displaysettings.h"
 #include "generationguard.h"
+#include "word.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
 
-constexpr const char* thisFile = "eve_layer/Gpu_Hal.cpp";
+constexpr const char* gpuHalFile = "eve_layer/Gpu_Hal.cpp";
 
 constexpr uint8_t writeFlag = 0x80;
 constexpr uint8_t coreResetCommand = 0x68;
@@ -27,7 +28,6 @@ constexpr uint8_t spiWidthTwoDummies = 4; // beside the number of channels in __
 constexpr uint32_t fifoMask = 0xFFF;        // offsets in the command FIFO
 constexpr uint32_t fifoWordMask = 0xFFC;    // the same, of whole words
 constexpr uint32_t fifoCapacity = 4096 - 4; // full and empty must differ
-constexpr uint32_t wordSize = 4;
 
 enum class Drain : uint8_t { Wait, DontWait };
 
@@ -245,7 +245,7 @@ void Gpu_CoreReset() {
 }
 
 void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
-    NEEDS_EVE2_OR_EVE3(thisFile, 510, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(gpuHalFile, 510, ONLY_EVE2_OR_EVE3);
     switch (frequency) {
     case GPU_81X_PLL_72MHZ:
         return Gpu_HostCommand_Ext3(0x4661);
@@ -265,23 +265,23 @@ void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
 }
 
 void Gpu_81X_PowerOffComponents(Gpu_Hal_Context_t* /*host*/, uint8_t mask) {
-    NEEDS_EVE2_OR_EVE3(thisFile, 538, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(gpuHalFile, 538, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(static_cast<uint32_t>(mask) << 8 | powerOffCommand);
 }
 
 void Gpu_81X_PadDriveStrength(Gpu_Hal_Context_t* /*host*/, GPU_81X_GPIO_DRIVE_STRENGTH_T strength,
                               GPU_81X_GPIO_GROUP_T group) {
-    NEEDS_EVE2_OR_EVE3(thisFile, 553, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(gpuHalFile, 553, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(strength << 8 | group << 8 | padDriveCommand);
 }
 
 void Gpu_81X_ResetActive() {
-    NEEDS_EVE2_OR_EVE3(thisFile, 566, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(gpuHalFile, 566, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(resetActiveCommand);
 }
 
 void Gpu_81X_ResetRemoval() {
-    NEEDS_EVE2_OR_EVE3(thisFile, 579, ONLY_EVE2_OR_EVE3);
+    NEEDS_EVE2_OR_EVE3(gpuHalFile, 579, ONLY_EVE2_OR_EVE3);
     Gpu_HostCommand_Ext3(resetRemovalCommand);
 }
 

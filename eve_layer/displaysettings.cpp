@@ -15,7 +15,7 @@ constexpr uint32_t chipIdAddress = 0xC0000;
 constexpr uint32_t chipIdEve1 = 0x00010108;
 constexpr uint32_t chipIdEve3 = 0x00011508;
 constexpr int chipIdReads = 10;
-constexpr uint32_t bootTimeMs = 100;
+constexpr uint32_t detectionBootMs = 100;
 
 // Assigns all values of one variant; does nothing for a variant that the table does not have.
 template<typename Row, typename Map>
@@ -81,7 +81,7 @@ void DisplaySettings::setDisplaySize(const DisplaySize& size) {
 
 bool DisplaySettings::autoDetectDisplayGeneration() {
     Gpu_Hal_Context_t host; // not closed: the display bring-up opens the board again
-    wakeController(&host, m_displayGeneration == EVE_1, bootTimeMs);
+    wakeController(&host, m_displayGeneration == EVE_1, detectionBootMs);
     for (int read = 0; read < chipIdReads; ++read) {
         switch (Gpu_Hal_Rd32(&host, chipIdAddress)) {
         case chipIdEve3:

@@ -45,7 +45,7 @@ void drawHistogramIcon(Gpu_Hal_Context_t* host) {
     endShape(host);
 }
 
-void drawButtonRow(Gpu_Hal_Context_t* host) {
+void drawCounterButtons(Gpu_Hal_Context_t* host) {
     Gpu_CoCmd_FgColor(host, palette::buttonFace);
     setTagging(host, true);
     drawTaggedButton(host, optionsButton);
@@ -116,7 +116,7 @@ void CounterWidget::setup() {
     drawBackground(host());
     setColor(host(), palette::ink);
     drawCentredText(host(), {160, 28}, 30, "COUNTER MODE");
-    drawButtonRow(host());
+    drawCounterButtons(host());
     drawFrames(host());
     fillBadges(host());
     outlineBadges(host());

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint32_t staticCopyAddress = 100000; // in the controller's general memory
+constexpr uint32_t screenCopyAddress = 100000; // in the controller's general memory
 constexpr int defaultLoopPeriodMs = 50;
 
 } // namespace
@@ -39,7 +39,7 @@ void FTWidget::exec() {
 
     Gpu_CoCmd_Dlstart(m_host);
     setup();
-    m_staticDlSize = saveStaticPicture(m_host, staticCopyAddress);
+    m_staticDlSize = saveStaticPicture(m_host, screenCopyAddress);
     showFrame(m_host);
 
     loop();
@@ -89,7 +89,7 @@ void FTWidget::processTouch() {
 
 void FTWidget::redraw() {
     m_updateRequested = false;
-    startFrame(m_host, staticCopyAddress, m_staticDlSize);
+    startFrame(m_host, screenCopyAddress, m_staticDlSize);
     updateGUI();
     showFrame(m_host);
 }

@@ -20,7 +20,7 @@
 namespace {
 
 // Not where the screens keep their static picture: the calling screen's must survive.
-constexpr uint32_t staticCopyAddress = 110000;
+constexpr uint32_t keypadCopyAddress = 110000;
 constexpr unsigned int pollPeriodMs = 50;
 constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -131,13 +131,13 @@ private:
         App_WrCoCmd_Buffer(m_host, LINE_WIDTH(defaultLineWidth));
         drawOutline(m_host, {10, 60}, {470, 110});
 
-        m_staticDlSize = saveStaticPicture(m_host, staticCopyAddress);
+        m_staticDlSize = saveStaticPicture(m_host, keypadCopyAddress);
         showFrame(m_host);
     }
 
     // A key is only held in a frame drawn at the moment of its press.
     void drawFrame() {
-        startFrame(m_host, staticCopyAddress, m_staticDlSize);
+        startFrame(m_host, keypadCopyAddress, m_staticDlSize);
         if (m_heldKey == backButton.tag) {
             drawHeldBackButton(m_host);
         } else if (m_heldKey == okButton.tag) {

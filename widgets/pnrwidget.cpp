@@ -74,7 +74,7 @@ void drawCounterIcon(Gpu_Hal_Context_t* host) {
     }
 }
 
-void drawButtonRow(Gpu_Hal_Context_t* host) {
+void drawHistogramButtons(Gpu_Hal_Context_t* host) {
     Gpu_CoCmd_FgColor(host, palette::buttonFace);
     setTagging(host, true);
     drawTaggedButton(host, optionsButton);
@@ -133,7 +133,7 @@ void PNRWidget::setup() {
     drawBackground(host());
     setColor(host(), palette::ink);
     drawCentredText(host(), {183, 28}, 30, "PNR MODE");
-    drawButtonRow(host());
+    drawHistogramButtons(host());
     drawOutline(host(), {10, 58}, {470, 260});
 }
 

@@ -58,7 +58,7 @@ constexpr Addresses touchRz = {0x10250C, 0x302120, 0x302120};
 constexpr Addresses touchRzThresh = {0x102504, 0x302118, 0x302118};
 constexpr Addresses touchScreenXY = {0x102510, 0x302124, 0x302124};
 
-constexpr GenerationRow rows[] = {
+constexpr GenerationRow generationRows[] = {
     // Memory map. __LOW_FREQ_BOUND is the lowest good system clock in Hz, __RAM_G_SIZE a size in
     // bytes, the rest are addresses.
     {u"__LOW_FREQ_BOUND", {47040000, 58800000, 58800000}},
@@ -597,5 +597,5 @@ constexpr GenerationRow rows[] = {
 } // namespace
 
 RegistryTable<GenerationRow> generationTable() {
-    return RegistryTable<GenerationRow>(rows);
+    return RegistryTable<GenerationRow>(generationRows);
 }

@@ -3,7 +3,7 @@
 namespace {
 
 // The gaps at the end are real: of these panels only the 4.3-inch one is brought up.
-constexpr PanelTimingRow rows[] = {
+constexpr PanelTimingRow timingRows[] = {
     {u"__DispWidth", {320, 480, 800, 800}},
     {u"__DispHeight", {240, 272, 480, 480}},
     {u"__DispHCycle", {408, 548, 1056, 1056}},
@@ -25,5 +25,5 @@ constexpr PanelTimingRow rows[] = {
 } // namespace
 
 RegistryTable<PanelTimingRow> panelTimings() {
-    return RegistryTable<PanelTimingRow>(rows);
+    return RegistryTable<PanelTimingRow>(timingRows);
 }

@@ -23,6 +23,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// spidev's own limit for the bytes of one message, and of one request of several records.
+constexpr std::size_t longestMessage = 4096;
+
 // What hangs on the board's wires. Calls come from threads of the board, never two at once, and
 // the program on the board waits for transfer() to return.
 class Wires {

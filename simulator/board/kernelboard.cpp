@@ -17,11 +17,8 @@ namespace board {
 namespace {
 
 // The lines of the display controller by their numbers on the chip, whose first one is line 745.
-constexpr std::uint32_t linePowerDown = 54;
-constexpr std::uint32_t lineChipSelect = 56;
-
-// spidev's own limit.
-constexpr std::size_t longestMessage = 4096;
+constexpr std::uint32_t chipsPowerDown = 54;
+constexpr std::uint32_t chipsChipSelect = 56;
 
 int openDevice(const std::string& path) {
     const int device = open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
@@ -101,9 +98,9 @@ void KernelBoard::Private::takeEvents() {
 void KernelBoard::Private::take(const panelboard_event& event, const std::uint8_t* sent) {
     if (event.kind == PANELBOARD_TRANSFER) {
         transfer(event, sent);
-    } else if (event.number == linePowerDown) {
+    } else if (event.number == chipsPowerDown) {
         m_wires.powerDown(event.level != 0);
-    } else if (event.number == lineChipSelect) {
+    } else if (event.number == chipsChipSelect) {
         m_wires.chipSelect(event.level != 0);
     }
 }

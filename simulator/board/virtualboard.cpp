@@ -32,9 +32,6 @@ constexpr int lineChipSelect = 801;
 // In the order in which they are added to the level queue.
 enum WatchedLine : std::size_t { powerDownLine, chipSelectLine };
 
-// The driver's own limit for the bytes of one message, and of one request of several records.
-constexpr std::size_t longestMessage = 4096;
-
 // For so long a program must have written no level before one is shown that no message follows.
 // Well below the 20 ms for which the power-down line is held.
 constexpr int quietMs = 4;

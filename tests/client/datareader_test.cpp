@@ -1,5 +1,6 @@
 #include "datareader.h"
 #include "debuglog.h"
+#include "patience.h"
 #include "patientsocket.h"
 #include "qtprinting.h"
 #include "scriptedserver.h"
@@ -34,7 +35,6 @@ using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
 // For whatever must happen in the end; a test that passes never waits so long.
-constexpr int patienceMs = 20000;
 
 const QByteArray goodParams = R"({"TimeConst":10,"Ref0":0.05,"Ref1":0.15,"Ref2":-0.25,"Ref3":1.5})";
 const QByteArray goodData =
@@ -79,7 +79,7 @@ std::vector<ArmedTimer> armedTimers() {
 // Lets the polling run until `condition` holds.
 template<typename Condition>
 bool runUntil(Condition condition) {
-    return QTest::qWaitFor(condition, patienceMs);
+    return QTest::qWaitFor(condition, generousMs);
 }
 
 class DataReaderTest : public testing::Test {
@@ -300,7 +300,7 @@ TEST_F(DataReaderWithoutServerTest, SocketThatLooksUpANameCountsAsReady) {
 TEST_F(DataReaderTest, QueryReturnsTheReplyAndOk) {
     server.answer("PARAMS?", {"some text\n"});
     bool ok = false;
-    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", patienceMs, &ok), "some text\n");
+    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", generousMs, &ok), "some text\n");
     EXPECT_TRUE(ok);
     EXPECT_THAT(server.requests(), ElementsAre("PARAMS?\n"));
 }
@@ -331,12 +331,12 @@ TEST_F(DataReaderTest, OnlyTheStopBehindATimeConstantIsNotWaitedFor) {
 
 TEST_F(DataReaderTest, QueryDecodesUtf8) {
     server.answer("PARAMS?", {"\xC2\xB5s"});
-    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", patienceMs, nullptr), QStringLiteral("µs"));
+    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", generousMs, nullptr), QStringLiteral("µs"));
 }
 
 TEST_F(DataReaderTest, QueryCutsTheReplyAtANulByte) {
     server.answer("PARAMS?", {QByteArray("head\0tail", 9)});
-    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", patienceMs, nullptr), "head");
+    EXPECT_EQ(client->tcpIpQuery("PARAMS?\n", generousMs, nullptr), "head");
 }
 
 TEST_F(DataReaderTest, LateReplyIsReturnedAtTheHeadOfTheNextOne) {
@@ -344,7 +344,7 @@ TEST_F(DataReaderTest, LateReplyIsReturnedAtTheHeadOfTheNextOne) {
     EXPECT_EQ(client->tcpIpQuery("START 1\n", 50, nullptr), "");
     server.send("first\n");
     ASSERT_TRUE(waitForBytes(6));
-    EXPECT_EQ(client->tcpIpQuery("START 2\n", patienceMs, nullptr), "first\nsecond\n");
+    EXPECT_EQ(client->tcpIpQuery("START 2\n", generousMs, nullptr), "first\nsecond\n");
 }
 
 TEST_F(DataReaderTest, HugeReplyArrivesWholeAndInOrderOverSeveralRequests) {
@@ -352,7 +352,7 @@ TEST_F(DataReaderTest, HugeReplyArrivesWholeAndInOrderOverSeveralRequests) {
     server.answer("PARAMS?", {huge, "."});
     QString all;
     while (all.size() < huge.size()) {
-        const QString piece = client->tcpIpQuery("PARAMS?\n", patienceMs, nullptr);
+        const QString piece = client->tcpIpQuery("PARAMS?\n", generousMs, nullptr);
         ASSERT_FALSE(piece.isEmpty());
         all += piece;
     }

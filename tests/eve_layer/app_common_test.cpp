@@ -1,5 +1,6 @@
 #include "App_Common.h"
 #include "drawingtest.h"
+#include "e3addresses.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,12 +16,6 @@ using testing::SizeIs;
 
 static_assert(sizeof CmdBuffer == 4096 && sizeof DlBuffer == 8192);
 static_assert(std::is_same_v<decltype(CmdBuffer + 4), uint8_t*>);
-
-constexpr uint32_t ramCmd = 0x308000;
-constexpr uint32_t ramDl = 0x300000;
-constexpr uint32_t regCmdWrite = 0x3020FC;
-constexpr uint32_t regTouchTag = 0x30212C;
-constexpr uint32_t regTouchScreenXY = 0x302124;
 
 class AppCommonTest : public DrawingTest {
 protected:

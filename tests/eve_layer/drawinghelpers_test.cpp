@@ -2,6 +2,7 @@
 #include "Gpu_Hal.h"
 #include "displaysettings.h"
 #include "drawinghelpers.h"
+#include "e3addresses.h"
 #include "recordingboard.h"
 
 #include <gmock/gmock.h>
@@ -15,10 +16,6 @@
 namespace {
 
 using testing::ElementsAre;
-
-constexpr uint32_t ramDl = 0x300000;
-constexpr uint32_t regDlSwap = 0x302054;
-constexpr uint32_t regPwmDuty = 0x3020D4;
 
 class DrawingHelpers : public testing::Test {
 protected:

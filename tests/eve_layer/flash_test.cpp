@@ -1,6 +1,7 @@
 #include "CoPro_Cmds.h"
 #include "assertionfailure.h"
 #include "drawingtest.h"
+#include "e3addresses.h"
 #include "guardline.h"
 
 #include <algorithm>
@@ -15,11 +16,6 @@ using testing::ElementsAre;
 using testing::ExitedWithCode;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-constexpr uint32_t regFlashStatus = 0x3025F0;
-constexpr uint32_t regCmdRead = 0x3020F8;
-constexpr uint32_t regCmdWrite = 0x3020FC;
-constexpr uint32_t ramCmd = 0x308000;
 
 constexpr uint8_t init = 0;
 constexpr uint8_t detached = 1;

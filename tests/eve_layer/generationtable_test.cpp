@@ -42,7 +42,7 @@ auto countRows(Predicate predicate) {
     return std::count_if(table.begin(), table.end(), predicate);
 }
 
-auto countDefined(std::size_t generation) {
+auto countNamesOf(std::size_t generation) {
     return countRows(
         [generation](const GenerationRow& row) { return row.values[generation].has_value(); });
 }
@@ -73,9 +73,9 @@ std::set<std::string> namesOf(bool eve1, bool eve2, bool eve3, const char* prefi
 }
 
 TEST(GenerationTable, HasAllNames) {
-    EXPECT_EQ(countDefined(0), 235);
-    EXPECT_EQ(countDefined(1), 280);
-    EXPECT_EQ(countDefined(2), 484);
+    EXPECT_EQ(countNamesOf(0), 235);
+    EXPECT_EQ(countNamesOf(1), 280);
+    EXPECT_EQ(countNamesOf(2), 484);
     EXPECT_EQ(countRows([](const GenerationRow&) { return true; }), 491);
 }
 

@@ -1,6 +1,7 @@
 #include "Gpu_Hal.h"
 #include "assertionfailure.h"
 #include "displaysettings.h"
+#include "e3addresses.h"
 #include "recordingboard.h"
 
 #include <gmock/gmock.h>
@@ -26,14 +27,6 @@ static_assert(
     std::is_same_v<decltype(Gpu_Hal_SetSPI), int(Gpu_Hal_Context_t*, uint32_t, uint32_t)>);
 static_assert(std::is_same_v<decltype(Fifo_Write),
                              uint32_t(Gpu_Hal_Context_t*, Fifo_t*, uint8_t*, uint32_t)>);
-
-// The controller of generation 3, where most of these tests take place.
-constexpr uint32_t ramCmd = 0x308000;
-constexpr uint32_t regCmdRead = 0x3020F8;
-constexpr uint32_t regCmdWrite = 0x3020FC;
-constexpr uint32_t regDlSwap = 0x302054;
-constexpr uint32_t regSpiWidth = 0x302188;
-constexpr uint32_t regTouchTag = 0x30212C;
 
 std::vector<uint8_t> countingBytes(std::size_t size) {
     std::vector<uint8_t> bytes(size);
@@ -467,9 +460,9 @@ TEST_F(GpuHalCommandFifo, AdvancesByWholeWordsAndWraps) {
 }
 
 TEST_F(GpuHalCommandFifo, FreeSpaceKeepsOneWordBack) {
-    const auto freeSpace = [this](uint16_t write, uint16_t read) {
-        host.cmd_write_offset = write;
-        board.poke(regCmdRead, read);
+    const auto freeSpace = [this](uint16_t writeOffset, uint16_t readOffset) {
+        host.cmd_write_offset = writeOffset;
+        board.poke(regCmdRead, readOffset);
         return Gpu_Cmdfifo_Freespace(&host);
     };
     EXPECT_EQ(freeSpace(0, 0), 4092);
@@ -719,13 +712,13 @@ protected:
 
     GpuHalRing() { Fifo_Init(&fifo, base, length, readRegister, writeRegister); }
 
-    void setOffsets(uint32_t write, uint32_t read) {
-        fifo.write_offset = write;
-        board.poke(readRegister, read);
+    void setOffsets(uint32_t writeOffset, uint32_t readOffset) {
+        fifo.write_offset = writeOffset;
+        board.poke(readRegister, readOffset);
     }
 
-    uint32_t freeSpace(uint32_t write, uint32_t read) {
-        setOffsets(write, read);
+    uint32_t freeSpace(uint32_t writeOffset, uint32_t readOffset) {
+        setOffsets(writeOffset, readOffset);
         return Fifo_GetFreeSpace(&host, &fifo);
     }
 

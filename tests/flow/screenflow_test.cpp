@@ -1,5 +1,6 @@
 #include "counterwidget.h"
 #include "optionwidget.h"
+#include "patience.h"
 #include "pnrwidget.h"
 #include "qtprinting.h"
 #include "screenflow.h"
@@ -21,8 +22,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-
-constexpr int patienceMs = 20000;
 
 // Tags of the two measurement screens' buttons, and of the options screen's back button.
 constexpr std::uint32_t run = 2;
@@ -215,7 +214,7 @@ TEST_F(ScreenFlowTest, ARunStartedOnTheCounterScreenKeepsPollingDuringAVisitToTh
     tap(counter, openOptions);
     const std::size_t before = server.requests().size();
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return server.requests().size() >= before + 3; }, patienceMs));
+        QTest::qWaitFor([&] { return server.requests().size() >= before + 3; }, generousMs));
     EXPECT_THAT(shown(), ElementsAre("options"));
     const std::vector<QByteArray> requests = server.requests();
     EXPECT_THAT(std::vector<QByteArray>(requests.begin() + 2, requests.end()), Each("DATA?\n"));
@@ -244,7 +243,7 @@ TEST_F(ScreenFlowTest, AScreenThatWasLeftDrawsNothingMore) {
     drawn();
     // Its last pass may still be armed.
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return !counter.findChild<QTimer*>()->isActive(); }, patienceMs));
+        QTest::qWaitFor([&] { return !counter.findChild<QTimer*>()->isActive(); }, generousMs));
     EXPECT_THAT(drawn(), Not(HasSubstr("CENTERY|RIGHTX \"     1\"")));
 }
 

@@ -13,8 +13,6 @@ namespace {
 using controller::Generation;
 using modelboard::controller;
 
-constexpr std::uint32_t black = 0xFF000000;
-
 // The addresses that transfers began at.
 class TransfersOnModel : public OnModel {
 protected:

@@ -22,7 +22,6 @@ using testing::Le;
 using testing::Lt;
 
 constexpr std::uint32_t white = 0xFFFFFFFF;
-constexpr std::uint32_t black = 0xFF000000;
 constexpr std::uint32_t ink = 0xFF231F20;
 constexpr std::uint32_t red = 0xFFED1C24;
 constexpr std::uint32_t blue = 0xFF3871C1;

@@ -24,6 +24,8 @@ constexpr controller::Nanoseconds seconds(controller::Nanoseconds count) {
     return milliseconds(1000 * count);
 }
 
+constexpr std::uint32_t black = 0xFF000000; // a pixel of the panel
+
 // "E1" and the like: names for tests that run once per generation.
 std::string nameOf(controller::Generation generation);
 

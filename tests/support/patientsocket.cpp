@@ -10,7 +10,7 @@ SocketWaits socketWaits;
 
 namespace {
 
-constexpr int patienceMs = 20000;
+constexpr int socketPatienceMs = 20000;
 
 // Takes the place of a QTcpSocket, so it has no members of its own.
 class PatientSocket : public QTcpSocket {
@@ -48,7 +48,7 @@ private:
             return msecs;
         switch (server->reactionTo(localPort(), s_sent)) {
         case ScriptedServer::Reaction::Reply:
-            return patienceMs;
+            return socketPatienceMs;
         case ScriptedServer::Reaction::Silence:
             return 0;
         case ScriptedServer::Reaction::Unknown:

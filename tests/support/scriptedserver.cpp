@@ -9,7 +9,7 @@
 namespace {
 
 constexpr quint16 port = 9800;
-constexpr int patienceMs = 10000;
+constexpr int requestPatienceMs = 10000;
 
 } // namespace
 
@@ -93,7 +93,7 @@ void ScriptedServer::setReading(bool on) {
 }
 
 ScriptedServer::Reaction ScriptedServer::reactionTo(quint16 clientPort, qint64 bytes) {
-    const QDeadlineTimer deadline(patienceMs);
+    const QDeadlineTimer deadline(requestPatienceMs);
     while (!deadline.hasExpired()) {
         bool reachable = true;
         bool read = false;
@@ -120,7 +120,7 @@ std::vector<QByteArray> ScriptedServer::requests() {
 }
 
 std::vector<QByteArray> ScriptedServer::waitForRequests(std::size_t count) {
-    const QDeadlineTimer deadline(patienceMs);
+    const QDeadlineTimer deadline(requestPatienceMs);
     while (requests().size() < count && !deadline.hasExpired())
         QThread::msleep(1);
     return requests();

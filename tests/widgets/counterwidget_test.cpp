@@ -24,14 +24,14 @@ VERTEX2II (381,43) (385,29) (392,43) (396,15) (403,43) (407,21)
 END
 )";
 
-const std::string staticPicture = R"(GRADIENT 21 13 CACACA 455 268 F3F3F3
+const std::string counterPicture = R"(GRADIENT 21 13 CACACA 455 268 F3F3F3
 COLOR_RGB 19190C
 TEXT 160 28 font 30 CENTER "COUNTER MODE"
 FGCOLOR 00A1DD
 TAG_MASK 1
 )" + buttonrow::taggedButtons + "TAG_MASK 0\n" +
-                                  buttonrow::optionsIcon + histogramIcon +
-                                  buttonrow::startIcon("00A1DD") + R"(BEGIN LINE_STRIP
+                                   buttonrow::optionsIcon + histogramIcon +
+                                   buttonrow::startIcon("00A1DD") + R"(BEGIN LINE_STRIP
 VERTEX2II (10,58) (235,58) (235,155) (10,155) (10,58)
 END
 BEGIN LINE_STRIP
@@ -86,7 +86,7 @@ std::string values(const std::string& v0, const std::string& v1, const std::stri
            v3 + "\"\n";
 }
 
-const std::string zeros = values("     0", "     0", "     0", "     0");
+const std::string counterZeros = values("     0", "     0", "     0", "     0");
 
 class CounterWidgetTest : public MeasurementScreenTest<CounterWidget> {
 protected:
@@ -106,7 +106,7 @@ TEST_F(CounterWidgetTest, IsStoppedAndReadsTouchesWhenConstructed) {
 
 TEST_F(CounterWidgetTest, ExecDrawsThePictureAndFourZeros) {
     screen.exec();
-    EXPECT_EQ(drawn(), staticFrame(staticPicture) + redraw(zeros));
+    EXPECT_EQ(drawn(), staticFrame(counterPicture) + redraw(counterZeros));
 }
 
 TEST_F(CounterWidgetTest, ARedrawIsTheseWordsOnTheBus) {
@@ -147,9 +147,9 @@ TEST_F(CounterWidgetTest, TheStartButtonShowsThePressedFaceWhileHeldThenTheStopS
     show();
     // The press is drawn in the pass that sees it.
     EXPECT_EQ(passTouching(2),
-              redraw(zeros + buttonrow::heldRunButton + buttonrow::startIcon("007C9E")));
+              redraw(counterZeros + buttonrow::heldRunButton + buttonrow::startIcon("007C9E")));
     EXPECT_EQ(start.count(), 0);
-    EXPECT_EQ(passTouching(0), redraw(zeros + buttonrow::stopIcon("00A1DD")));
+    EXPECT_EQ(passTouching(0), redraw(counterZeros + buttonrow::stopIcon("00A1DD")));
     EXPECT_EQ(start.count(), 1);
     EXPECT_EQ(stop.count(), 0);
     EXPECT_TRUE(screen.isStarted());
@@ -159,13 +159,13 @@ TEST_F(CounterWidgetTest, HoldingTheStartButtonWhileRunningShowsThePressedFaceWi
     screen.setStarted(true);
     show();
     EXPECT_EQ(passTouching(2),
-              redraw(zeros + buttonrow::heldRunButton + buttonrow::stopIcon("007C9E")));
+              redraw(counterZeros + buttonrow::heldRunButton + buttonrow::stopIcon("007C9E")));
 }
 
 TEST_F(CounterWidgetTest, TheNextReleaseStopsAndBringsTheTriangleBack) {
     screen.setStarted(true);
     show();
-    EXPECT_EQ(tap(2), redraw(zeros));
+    EXPECT_EQ(tap(2), redraw(counterZeros));
     EXPECT_EQ(start.count(), 0);
     EXPECT_EQ(stop.count(), 1);
     EXPECT_FALSE(screen.isStarted());
@@ -179,7 +179,8 @@ TEST_F(CounterWidgetTest, TheRunButtonNeverEndsTheScreen) {
 
 TEST_F(CounterWidgetTest, TheHeldHistogramButtonIsDrawnPressedAndItsReleaseLeavesTheScreen) {
     show();
-    EXPECT_EQ(passTouching(3), redraw(zeros + buttonrow::heldOtherScreenButton + histogramIcon));
+    EXPECT_EQ(passTouching(3),
+              redraw(counterZeros + buttonrow::heldOtherScreenButton + histogramIcon));
     bool stoppedAtSignal = true;
     QObject::connect(&screen, &CounterWidget::gotoHistogram, &screen,
                      [&] { stoppedAtSignal = screen.isStoped(); });
@@ -191,7 +192,7 @@ TEST_F(CounterWidgetTest, TheHeldHistogramButtonIsDrawnPressedAndItsReleaseLeave
 
 TEST_F(CounterWidgetTest, TheHeldOptionsButtonIsDrawnPressedAndItsReleaseLeavesTheScreen) {
     show();
-    EXPECT_EQ(passTouching(4), redraw(zeros + buttonrow::heldOptionsButton));
+    EXPECT_EQ(passTouching(4), redraw(counterZeros + buttonrow::heldOptionsButton));
     EXPECT_EQ(passTouching(0), "");
     EXPECT_EQ(gotoOptions.count(), 1);
     EXPECT_TRUE(screen.isStoped());
@@ -201,7 +202,7 @@ TEST_F(CounterWidgetTest, WhileRunningTheStopSquareIsDrawnOverHeldNeighboursToo)
     screen.setStarted(true);
     show();
     EXPECT_EQ(passTouching(4),
-              redraw(zeros + buttonrow::heldOptionsButton + buttonrow::stopIcon("00A1DD")));
+              redraw(counterZeros + buttonrow::heldOptionsButton + buttonrow::stopIcon("00A1DD")));
 }
 
 TEST_F(CounterWidgetTest, OtherTagsOnlyRedraw) {
@@ -212,7 +213,7 @@ TEST_F(CounterWidgetTest, OtherTagsOnlyRedraw) {
         }
         screen.buttonReleased(tag);
         screen.loop();
-        EXPECT_EQ(drawn(), redraw(zeros)) << tag;
+        EXPECT_EQ(drawn(), redraw(counterZeros)) << tag;
     }
     EXPECT_EQ(start.count() + stop.count() + gotoHistogram.count() + gotoOptions.count(), 0);
     EXPECT_FALSE(screen.isStoped());
@@ -225,8 +226,8 @@ TEST_F(CounterWidgetTest, StartedAndValuesSurviveLeavingAndReentering) {
     screen.terminate();
     screen.exec();
     EXPECT_EQ(drawn(),
-              staticFrame(staticPicture) + redraw(values("     1", "     2", "     3", "     4") +
-                                                  buttonrow::stopIcon("00A1DD")));
+              staticFrame(counterPicture) + redraw(values("     1", "     2", "     3", "     4") +
+                                                   buttonrow::stopIcon("00A1DD")));
 }
 
 TEST_F(CounterWidgetTest, ASampleForAScreenThatIsNotShownIsKeptForTheNextExec) {
@@ -236,7 +237,7 @@ TEST_F(CounterWidgetTest, ASampleForAScreenThatIsNotShownIsKeptForTheNextExec) {
     EXPECT_THAT(board.events(), IsEmpty());
     screen.exec();
     EXPECT_EQ(drawn(),
-              staticFrame(staticPicture) + redraw(values("     5", "     0", "     0", "     0")));
+              staticFrame(counterPicture) + redraw(values("     5", "     0", "     0", "     0")));
 }
 
 TEST_F(CounterWidgetTest, UnderEVE1TheScissorWordsHaveThatGenerationsLayout) {

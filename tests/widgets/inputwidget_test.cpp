@@ -29,7 +29,7 @@ VERTEX2II (18,28) (42,28) (16,28) (28,16) (16,28) (28,40)
 END
 )";
 
-std::string staticPicture(const std::string& title) {
+std::string keypadPicture(const std::string& title) {
     return R"(DLSTART
 GRADIENT 21 13 CACACA 455 268 F3F3F3
 COLOR_RGB 19190C
@@ -123,20 +123,20 @@ TEST_F(InputWidgetTest, ANullHostReturns0NotNaNAndDrawsNothing) {
 TEST_F(InputWidgetTest, DrawsTheKeypadOnceBeforeAnyTouch) {
     poll({nothing, nothing, nothing, back, nothing});
     EXPECT_THAT(drawnPerPoll,
-                ElementsAre(staticPicture("Title") + frame(""), "", "",
+                ElementsAre(keypadPicture("Title") + frame(""), "", "",
                             frame("", "FGCOLOR 007C9E\n" + backButton + backArrow, "FLAT|1")));
 }
 
 TEST_F(InputWidgetTest, AFingerThatIsThereFromTheStartPressesAtOnce) {
     poll({'5', nothing, back, nothing});
-    EXPECT_EQ(drawnPerPoll.at(0), staticPicture("Title") + frameHolding('5', ""));
+    EXPECT_EQ(drawnPerPoll.at(0), keypadPicture("Title") + frameHolding('5', ""));
     EXPECT_EQ(drawnPerPoll.at(1), frame("5"));
 }
 
 TEST_F(InputWidgetTest, ShowsTheTitleInTheLocal8BitEncoding) {
     title = QStringLiteral("Trigger level [3], mV");
     poll({nothing, back, nothing});
-    EXPECT_EQ(drawnPerPoll.at(0), staticPicture("Trigger level [3], mV") + frame(""));
+    EXPECT_EQ(drawnPerPoll.at(0), keypadPicture("Trigger level [3], mV") + frame(""));
 }
 
 TEST_F(InputWidgetTest, KeepsItsStaticPictureApartFromTheScreens) {
@@ -227,7 +227,7 @@ TEST_F(InputWidgetTest, KeysThatItDoesNotKnowChangeNothing) {
 TEST_F(InputWidgetTest, AKeyIsDrawnPressedWhenTouchedAndEnteredWhenReleased) {
     poll({nothing, '4', '4', nothing, nothing, '2', nothing, back, nothing});
     EXPECT_THAT(drawnPerPoll,
-                ElementsAre(staticPicture("Title") + frame(""), frameHolding('4', ""), "",
+                ElementsAre(keypadPicture("Title") + frame(""), frameHolding('4', ""), "",
                             frame("4"), "", frameHolding('2', "4"), frame("42"),
                             frame("42", "FGCOLOR 007C9E\n" + backButton + backArrow, "FLAT|1")));
 }
@@ -258,7 +258,7 @@ TEST_F(InputWidgetTest, EveryCallStartsWithAnEmptyText) {
     typed("12");
     typed("");
     EXPECT_EQ(drawnPerPoll.at(0),
-              staticPicture("Title") + frame("", "FGCOLOR 17A72A\n" + okButton, "FLAT|2"));
+              keypadPicture("Title") + frame("", "FGCOLOR 17A72A\n" + okButton, "FLAT|2"));
 }
 
 } // namespace

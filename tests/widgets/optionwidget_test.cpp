@@ -19,7 +19,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string staticPicture = R"(GRADIENT 21 13 CACACA 455 268 F3F3F3
+const std::string optionsPicture = R"(GRADIENT 21 13 CACACA 455 268 F3F3F3
 COLOR_RGB 19190C
 TEXT 240 28 font 31 CENTER "Options"
 FGCOLOR 00A1DD
@@ -65,7 +65,7 @@ std::string values(const std::array<std::string, 5>& texts) {
     return listing;
 }
 
-const std::string zeros = values({"0 sec", "0 mV", "0 mV", "0 mV", "0 mV"});
+const std::string optionsZeros = values({"0 sec", "0 mV", "0 mV", "0 mV", "0 mV"});
 
 class OptionWidgetTest : public TouchedScreenTest {
 protected:
@@ -102,7 +102,7 @@ TEST_F(OptionWidgetTest, OffersOneSignal) {
 
 TEST_F(OptionWidgetTest, ExecDrawsThePictureAndTheClientsParametersWithoutAskingTheServer) {
     screen.exec();
-    EXPECT_EQ(drawn(), staticFrame(staticPicture) + redraw(zeros));
+    EXPECT_EQ(drawn(), staticFrame(optionsPicture) + redraw(optionsZeros));
     EXPECT_EQ(server.connections(), 0);
 }
 
@@ -128,7 +128,7 @@ LINE_WIDTH 28
 BEGIN LINES
 VERTEX2II (18,28) (42,28) (16,28) (28,16) (16,28) (28,40)
 END
-)" + zeros));
+)" + optionsZeros));
     bool stoppedAtSignal = true;
     QObject::connect(&screen, &OptionWidget::backClicked, &screen,
                      [&] { stoppedAtSignal = screen.isStoped(); });
@@ -143,7 +143,7 @@ TEST_F(OptionWidgetTest, AHeldSetButtonIsDrawnPressed) {
     for (std::uint32_t tag = 2; tag <= 6; ++tag) {
         EXPECT_EQ(passTouching(tag),
                   redraw("FGCOLOR 007C9E\nBUTTON 400 " + std::to_string(65 + 40 * (tag - 2)) +
-                         " 60 30 font 27 FLAT \"Set\"\n" + zeros));
+                         " 60 30 font 27 FLAT \"Set\"\n" + optionsZeros));
         set(tag, "", back);
     }
 }
@@ -191,7 +191,7 @@ TEST_F(OptionWidgetTest, LeavingTheKeypadWithTheBackButtonChangesNothingAndSends
     show();
     for (std::uint32_t tag = 2; tag <= 6; ++tag) {
         const std::string redrawn = set(tag, "12", back);
-        EXPECT_EQ(redrawn.substr(redrawn.find("DLSTART\nAPPEND 100000")), redraw(zeros));
+        EXPECT_EQ(redrawn.substr(redrawn.find("DLSTART\nAPPEND 100000")), redraw(optionsZeros));
     }
     EXPECT_EQ(server.connections(), 0);
     EXPECT_FALSE(screen.isStoped());
@@ -229,7 +229,7 @@ TEST_F(OptionWidgetTest, OtherTagsOnlyRedraw) {
     show();
     for (const int tag : {7, 48, 254}) {
         screen.buttonReleased(tag);
-        EXPECT_EQ(passTouching(0), redraw(zeros)) << tag;
+        EXPECT_EQ(passTouching(0), redraw(optionsZeros)) << tag;
     }
     EXPECT_EQ(backClicked.count(), 0);
 }

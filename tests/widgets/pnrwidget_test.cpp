@@ -38,7 +38,7 @@ END
 )";
 
 // What comes after the two images in the stream.
-const std::string staticPicture = R"(BITMAP_HANDLE 0
+const std::string histogramPicture = R"(BITMAP_HANDLE 0
 SETBITMAP 0 6 18 28
 BITMAP_HANDLE 1
 SETBITMAP 2000 6 24 36
@@ -51,7 +51,7 @@ TAG_MASK 1
 BUTTON 10 8 40 40 font 27 FLAT ""
 TAG_MASK 0
 )" + buttonrow::optionsIcon + counterIcon +
-                                  buttonrow::startIcon("00A1DD") + R"(BEGIN LINE_STRIP
+                                     buttonrow::startIcon("00A1DD") + R"(BEGIN LINE_STRIP
 VERTEX2II (10,58) (470,58) (470,260) (10,260) (10,58)
 END
 )";
@@ -74,7 +74,7 @@ std::string labels(const std::array<std::string, 4>& texts) {
 }
 
 const std::string noBars = bars("", "");
-const std::string zeros = noBars + labels({"     0", "     0", "     0", "     0"});
+const std::string histogramZeros = noBars + labels({"     0", "     0", "     0", "     0"});
 const std::string accumulateIcon = "BEGIN BITMAPS\nVERTEX2II (19,10,handle 1,cell 0)\nEND\n";
 const std::string latestIcon = "BEGIN BITMAPS\nVERTEX2II (23,14)\nEND\n";
 const std::string heldModeButton = "FGCOLOR 007C9E\nBUTTON 10 8 40 40 font 27 FLAT \"\"\n";
@@ -119,12 +119,12 @@ TEST_F(PNRWidgetTest, ExecLoadsTheIconsAheadOfThePicture) {
     EXPECT_EQ(words.at(56), 2000U);
     EXPECT_TRUE(streamAt(57, assets::integralIcon)); // 274 bytes, 69 words
     EXPECT_EQ(listCommands({words.begin() + 126, words.end()}),
-              staticFrame(staticPicture) + redraw(zeros + accumulateIcon));
+              staticFrame(histogramPicture) + redraw(histogramZeros + accumulateIcon));
 }
 
 TEST_F(PNRWidgetTest, AllBinsZeroDrawNoBarsAndTheDigit0InEachLabel) {
     show();
-    EXPECT_EQ(drawnFor({{0, 0, 0, 0}}), redraw(zeros + accumulateIcon));
+    EXPECT_EQ(drawnFor({{0, 0, 0, 0}}), redraw(histogramZeros + accumulateIcon));
 }
 
 TEST_F(PNRWidgetTest, BinsAreTheDifferencesOfSuccessiveChannels) {
@@ -240,7 +240,7 @@ TEST_F(PNRWidgetTest, ClearEmptiesTheBinsWithoutARedraw) {
     screen.clear();
     EXPECT_EQ(passTouching(0), "");
     screen.update();
-    EXPECT_EQ(passTouching(0), redraw(zeros + accumulateIcon));
+    EXPECT_EQ(passTouching(0), redraw(histogramZeros + accumulateIcon));
 }
 
 TEST_F(PNRWidgetTest, StartingARunEmptiesTheHistogramBeforeTheSignal) {
@@ -258,7 +258,7 @@ TEST_F(PNRWidgetTest, StartingARunEmptiesTheHistogramBeforeTheSignal) {
     passTouching(0);
     EXPECT_EQ(start.count(), 1);
     EXPECT_TRUE(screen.isStarted());
-    EXPECT_EQ(drawnAtSignal.rfind(zeros, 0), 0U) << drawnAtSignal;
+    EXPECT_EQ(drawnAtSignal.rfind(histogramZeros, 0), 0U) << drawnAtSignal;
 }
 
 TEST_F(PNRWidgetTest, StoppingKeepsTheHistogram) {
@@ -274,17 +274,18 @@ TEST_F(PNRWidgetTest, StoppingKeepsTheHistogram) {
 
 TEST_F(PNRWidgetTest, TheStartButtonShowsThePressedFaceWhileHeldThenTheStopSquare) {
     show();
-    EXPECT_EQ(passTouching(2), redraw(zeros + buttonrow::heldRunButton +
+    EXPECT_EQ(passTouching(2), redraw(histogramZeros + buttonrow::heldRunButton +
                                       buttonrow::startIcon("007C9E") + accumulateIcon));
-    EXPECT_EQ(passTouching(0), redraw(zeros + accumulateIcon + buttonrow::stopIcon("00A1DD")));
-    EXPECT_EQ(passTouching(2), redraw(zeros + buttonrow::heldRunButton + accumulateIcon +
+    EXPECT_EQ(passTouching(0),
+              redraw(histogramZeros + accumulateIcon + buttonrow::stopIcon("00A1DD")));
+    EXPECT_EQ(passTouching(2), redraw(histogramZeros + buttonrow::heldRunButton + accumulateIcon +
                                       buttonrow::stopIcon("007C9E")));
 }
 
 TEST_F(PNRWidgetTest, TheHeldCounterButtonIsDrawnPressedAndItsReleaseLeavesTheScreen) {
     show();
-    EXPECT_EQ(passTouching(3),
-              redraw(zeros + buttonrow::heldOtherScreenButton + counterIcon + accumulateIcon));
+    EXPECT_EQ(passTouching(3), redraw(histogramZeros + buttonrow::heldOtherScreenButton +
+                                      counterIcon + accumulateIcon));
     EXPECT_EQ(passTouching(0), "");
     EXPECT_EQ(gotoCounts.count(), 1);
     EXPECT_TRUE(screen.isStoped());
@@ -292,7 +293,8 @@ TEST_F(PNRWidgetTest, TheHeldCounterButtonIsDrawnPressedAndItsReleaseLeavesTheSc
 
 TEST_F(PNRWidgetTest, TheHeldOptionsButtonIsDrawnPressedAndItsReleaseLeavesTheScreen) {
     show();
-    EXPECT_EQ(passTouching(4), redraw(zeros + buttonrow::heldOptionsButton + accumulateIcon));
+    EXPECT_EQ(passTouching(4),
+              redraw(histogramZeros + buttonrow::heldOptionsButton + accumulateIcon));
     EXPECT_EQ(passTouching(0), "");
     EXPECT_EQ(gotoOptions.count(), 1);
     EXPECT_TRUE(screen.isStoped());
@@ -302,7 +304,7 @@ TEST_F(PNRWidgetTest, OtherTagsOnlyRedraw) {
     show();
     for (const int tag : {1, 6, 48, 254}) {
         screen.buttonReleased(tag);
-        EXPECT_EQ(passTouching(0), redraw(zeros + accumulateIcon)) << tag;
+        EXPECT_EQ(passTouching(0), redraw(histogramZeros + accumulateIcon)) << tag;
     }
     EXPECT_EQ(start.count() + stop.count() + gotoCounts.count() + gotoOptions.count(), 0);
     EXPECT_FALSE(screen.isStoped());
@@ -316,7 +318,7 @@ TEST_F(PNRWidgetTest, BinsAndModeSurviveLeavingAndReentering) {
     screen.exec();
     const std::vector<std::uint32_t> words = board.commandWords();
     EXPECT_EQ(listCommands({words.begin() + 126, words.end()}),
-              staticFrame(staticPicture) +
+              staticFrame(histogramPicture) +
                   redraw(bars("(30,259) (120,84)", "(32,257) (118,86)") +
                          labels({"     1", "     0", "     0", "     0"}) + latestIcon));
 }
@@ -333,7 +335,7 @@ TEST_F(PNRWidgetTest, LeavingForOneScreenIsNothingElse) {
     EXPECT_EQ(gotoOptions.count(), 1);
     EXPECT_EQ(start.count() + stop.count(), 0);
     show();
-    EXPECT_EQ(passTouching(2), redraw(zeros + buttonrow::heldRunButton +
+    EXPECT_EQ(passTouching(2), redraw(histogramZeros + buttonrow::heldRunButton +
                                       buttonrow::startIcon("007C9E") + accumulateIcon));
 }
 

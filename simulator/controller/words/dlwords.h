@@ -74,6 +74,8 @@ constexpr std::uint32_t tagMask(std::uint32_t mask) {
     return word(opcode::TagMask, mask & 1U);
 }
 // BITMAP_TRANSFORM_A .. _F for index 0 .. 5.
+// The constant term of a transform: signed 15.8 in 24 bits, in every generation.
+constexpr std::int64_t largestTransformOffset = 0x7FFFFF;
 constexpr std::uint32_t bitmapTransform(unsigned index, std::int32_t value) {
     const bool offset = index == 2 || index == 5;
     return word(opcode::BitmapTransformA + index,

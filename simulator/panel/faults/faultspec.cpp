@@ -12,7 +12,6 @@ using std::chrono::milliseconds;
 
 constexpr int helpColumn = 45;
 constexpr int terminalWidth = 100;
-constexpr unsigned everythingPercent = 100;
 constexpr std::uint32_t foreignChipId = 0x12345678;
 const QString serverPrefix = QStringLiteral("server-");
 

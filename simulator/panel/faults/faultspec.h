@@ -31,6 +31,8 @@ enum class Breaks : std::uint8_t {
     Server, // one of the server's own
 };
 
+constexpr unsigned everythingPercent = 100;
+
 // A fault, and what is to be known of it. What does not concern it is not looked at.
 struct FaultSpec {
     Breaks breaks = Breaks::BusDead;

@@ -9,7 +9,6 @@ namespace {
 
 constexpr std::size_t longestHeader = 4; // bytes; longer messages carry commands
 constexpr std::uint8_t wrongBit = 0x10;
-constexpr unsigned everythingPercent = 100;
 
 } // namespace
 

@@ -11,7 +11,7 @@ namespace panel {
 namespace {
 
 constexpr int mostBytes = 16384; // of a request
-constexpr int patienceMs = 10000;
+constexpr int browserPatienceMs = 10000;
 
 QByteArray contentType(const QString& suffix) {
     struct Type {
@@ -56,7 +56,7 @@ PageServer::PageServer(const QString& directory, QString firstPage, QObject* par
         while (QTcpSocket* socket = nextPendingConnection()) {
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(*socket); });
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            QTimer::singleShot(patienceMs, socket, [socket] { socket->abort(); });
+            QTimer::singleShot(browserPatienceMs, socket, [socket] { socket->abort(); });
         }
     });
 }

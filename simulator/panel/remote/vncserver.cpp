@@ -10,7 +10,7 @@ namespace panel {
 namespace {
 
 constexpr int workMs = 10;
-constexpr int patienceMs = 3000; // with a viewer that neither takes nor gives what is due
+constexpr int viewerPatienceMs = 3000; // with a viewer that neither takes nor gives what is due
 constexpr int leftButton = 1;
 constexpr int bitsOfColour = 8;
 constexpr int colours = 3;
@@ -83,7 +83,7 @@ VncServer::Screen::Screen(VncServer& owner, QByteArray title, const QImage& firs
     info->screenData = this;
     info->cursor = nullptr; // the panel has none
     info->alwaysShared = TRUE;
-    info->maxClientWait = patienceMs;
+    info->maxClientWait = viewerPatienceMs;
     info->ptrAddEvent = pointed;
     info->newClientHook = came;
     // It gets its connections from us, and listens on no port of its own.

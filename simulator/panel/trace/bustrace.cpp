@@ -13,7 +13,7 @@ namespace {
 constexpr int writeHeaderBytes = 3;
 constexpr int readHeaderBytes = 4; // with its dummy byte
 constexpr int mostBytesShown = 16;
-constexpr int wordBytes = 4;
+constexpr int listWordBytes = 4;
 constexpr double nanosecondsPerSecond = 1e9;
 
 QByteArray toBytes(const std::vector<std::uint8_t>& bytes) {
@@ -134,8 +134,8 @@ QString TransactionText::registerValues(std::uint32_t address, const QByteArray&
         const std::string name =
             controller::registerName(m_generation, address + static_cast<std::uint32_t>(at));
         values += QStringLiteral("%1 %2").arg(QString::fromStdString(name),
-                                              number(data.mid(at, wordBytes)));
-        at += wordBytes;
+                                              number(data.mid(at, listWordBytes)));
+        at += listWordBytes;
     } while (at < data.size());
     return values.join(QStringLiteral("; "));
 }
@@ -145,9 +145,9 @@ QString TransactionText::displayListWords(const QByteArray& data) const {
         return QStringLiteral("-");
     }
     QStringList words;
-    for (int at = 0; at < data.size(); at += wordBytes) {
-        words += QString::fromStdString(
-            controller::displayListWordText(m_generation, littleEndian(data.mid(at, wordBytes))));
+    for (int at = 0; at < data.size(); at += listWordBytes) {
+        words += QString::fromStdString(controller::displayListWordText(
+            m_generation, littleEndian(data.mid(at, listWordBytes))));
     }
     return words.join(QStringLiteral("; "));
 }

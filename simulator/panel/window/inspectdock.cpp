@@ -21,7 +21,7 @@ namespace panel {
 
 namespace {
 
-constexpr int refreshMs = 200;
+constexpr int inspectionRefreshMs = 200;
 constexpr int leastWidth = 420;
 constexpr int memoryBytes = 256;
 constexpr int wordsRole = Qt::UserRole; // of an item: the words it stands for
@@ -239,7 +239,7 @@ QWidget* InspectDock::makeMemoryTab() {
 
 void InspectDock::showEvent(QShowEvent* event) {
     QDockWidget::showEvent(event);
-    m_timer.start(refreshMs);
+    m_timer.start(inspectionRefreshMs);
     refresh();
 }
 

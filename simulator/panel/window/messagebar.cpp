@@ -12,7 +12,6 @@ namespace panel {
 namespace {
 
 constexpr int noticeMs = 5000;
-constexpr int sideMargin = 8;
 constexpr int problemsShown = 3;
 // Legible beside a light desktop and a dark one.
 constexpr QRgb problemBackground = 0xFF8C1D18;

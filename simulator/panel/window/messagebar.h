@@ -8,6 +8,9 @@ class QLabel;
 
 namespace panel {
 
+// Between the window's edge and text, in the bar and beside it.
+constexpr int sideMargin = 8;
+
 // What the user should know: how far a script is, the last notice, the last problem. Each has a
 // place of its own, which grows with what it shows, so none covers anything.
 class MessageBar : public QFrame {

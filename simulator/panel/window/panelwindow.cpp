@@ -21,10 +21,9 @@ namespace panel {
 
 namespace {
 
-constexpr int refreshMs = 16;
+constexpr int panelRefreshMs = 16;
 constexpr int highestZoom = 4;
 constexpr int bezelWidth = 12;
-constexpr int sideMargin = 8;
 constexpr int statusMargin = 2;
 constexpr int spacing = 4;
 constexpr int usualTitleBar = 32; // as long as there is none to measure
@@ -131,7 +130,7 @@ PanelWindow::PanelWindow(Rig& rig, int zoom)
     });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &PanelWindow::refresh);
-    timer->start(refreshMs);
+    timer->start(panelRefreshMs);
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

@@ -27,7 +27,7 @@ inline std::vector<std::uint32_t> looped(std::vector<std::uint32_t> once,
 
 // A bitmap that fills any panel, turned, of 256 x 256 texels.
 inline std::vector<std::uint32_t> turnedBitmap(std::uint32_t format, std::uint32_t sizeFlags) {
-    using namespace words;
+    using namespace listwords;
     return {bitmapHandle(1),
             dl::bitmapSource(0),
             dl::bitmapLayout(format, 256, 256),
@@ -44,7 +44,7 @@ inline std::vector<std::uint32_t> turnedBitmap(std::uint32_t format, std::uint32
 } // namespace costly
 
 inline std::vector<CostlyList> costlyLists() {
-    using namespace words;
+    using namespace listwords;
     using namespace costly;
     const std::uint32_t narrow = scissorSize(1, 2048);
     const std::uint32_t alphaTest = word(opcode::AlphaFunc, test::Greater << 8 | 3);

@@ -9,12 +9,12 @@ namespace {
 using namespace controllertest;
 using V = std::vector<std::uint32_t>;
 
-std::uint32_t vertex2f(int x, int y) {
+std::uint32_t vertexAt16(int x, int y) {
     return 0x40000000U | static_cast<std::uint32_t>(x) << 15U | static_cast<std::uint32_t>(y);
 }
 
 // Where the dot is that all lists draw.
-constexpr std::uint32_t dot = 0x40000000U | (20 * 16 + 5) << 15U | 20 * 16;
+constexpr std::uint32_t seenDot = 0x40000000U | (20 * 16 + 5) << 15U | 20 * 16;
 
 // A word that sets a piece of graphics state to what it is at the start of every list, and one
 // that sets it to something else; and what shows the difference, if the drawing does not.
@@ -35,12 +35,15 @@ const State states[] = {
     // Drawn only where the stencil is 0
     {"CLEAR_STENCIL", 0x11000000, 0x11000001, {0x0A0500FF}},
     // A dot in the way of those behind it, if it changes the stencil by passing or by failing
-    {"STENCIL_OP", 0x0C000009, 0x0C00000B, {0x1F000002, dot, 0x04FF0000, 0x0A0500FF}},
+    {"STENCIL_OP", 0x0C000009, 0x0C00000B, {0x1F000002, seenDot, 0x04FF0000, 0x0A0500FF}},
     {"STENCIL_OPWhereTheTestFails",
      0x0C000009,
      0x0C000019,
-     {0x0A0000FF, 0x1F000002, dot, 0x0A0500FF}},
-    {"STENCIL_MASK", 0x130000FF, 0x13000000, {0x0C00000B, 0x1F000002, dot, 0x04FF0000, 0x0A0500FF}},
+     {0x0A0000FF, 0x1F000002, seenDot, 0x0A0500FF}},
+    {"STENCIL_MASK",
+     0x130000FF,
+     0x13000000,
+     {0x0C00000B, 0x1F000002, seenDot, 0x04FF0000, 0x0A0500FF}},
     // PALETTED565
     {"PALETTE_SOURCE",
      0x2A000000,
@@ -132,12 +135,12 @@ protected:
         const V bitmap = {0x05000000, 0x01000000, 0x07000000 | 3U << 19 | 4 << 9 | 2,
                           0x08000000 | 4 << 9 | 2};
         const V drawing = {0x1F000001,
-                           vertex2f(50 * 16, 30 * 16),
+                           vertexAt16(50 * 16, 30 * 16),
                            0x1F000002,
-                           dot,
+                           seenDot,
                            0x1F000003,
-                           vertex2f(60 * 16, 8 * 16),
-                           vertex2f(90 * 16, 14 * 16),
+                           vertexAt16(60 * 16, 8 * 16),
+                           vertexAt16(90 * 16, 14 * 16),
                            0,
                            cmd::swap};
         host.send(V{cmd::dlStart} + bitmap + words + V{0x26000007} + GetParam().show + drawing);

@@ -11,7 +11,7 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 using letterpicture::rows;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -11,14 +11,14 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 
 namespace {
 
 using List = std::vector<std::uint32_t>;
 
-constexpr int width = 200;
-constexpr int height = 100;
+constexpr int sceneWidth = 200;
+constexpr int sceneHeight = 100;
 
 // A panel full of work, and a bitmap of one texel at address 5000.
 const List beginning = {
@@ -48,7 +48,7 @@ protected:
             scan(beginning + dotAt(x));
         }
     }
-    const Frame& scan(const List& list) { return scanner.scan(width, height, list); }
+    const Frame& scan(const List& list) { return scanner.scan(sceneWidth, sceneHeight, list); }
     // What a frame costs that is not the last one's.
     std::int64_t workFor(const List& list) {
         const std::int64_t before = scanner.engine().workDone();
@@ -76,7 +76,8 @@ TEST_F(Kept, AFrameLikeTheLastCostsNothing) {
 TEST_F(Kept, AnotherEndCostsNoMoreThanTheEnd) {
     for (int x = 10; x < 100; ++x) {
         ASSERT_LT(workFor(beginning + dotAt(x)), 10000) << x;
-        ASSERT_EQ(scanner.scan(width, height, beginning + dotAt(x)).picture.at(x, 50), 0xFFFF0000)
+        ASSERT_EQ(scanner.scan(sceneWidth, sceneHeight, beginning + dotAt(x)).picture.at(x, 50),
+                  0xFFFF0000)
             << x;
     }
 }
@@ -84,7 +85,7 @@ TEST_F(Kept, AnotherEndCostsNoMoreThanTheEnd) {
 TEST_F(Kept, WorkIsCountedAsIfAllWereDrawn) {
     const std::int64_t kept = scan(beginning + dotAt(50)).work;
     Scanner other;
-    EXPECT_EQ(other.scan(width, height, beginning + dotAt(50)).work, kept);
+    EXPECT_EQ(other.scan(sceneWidth, sceneHeight, beginning + dotAt(50)).work, kept);
 }
 
 TEST_F(Kept, AnotherBeginningIsDrawn) {
@@ -108,7 +109,7 @@ TEST_F(Kept, AnotherMacroMakesAnotherBeginning) {
 
 TEST_F(Kept, AnotherSizeMakesAnotherBeginning) {
     const std::int64_t before = scanner.engine().workDone();
-    const Frame& frame = scanner.scan(width, height - 1, beginning + dotAt(3));
+    const Frame& frame = scanner.scan(sceneWidth, sceneHeight - 1, beginning + dotAt(3));
     EXPECT_EQ(scanner.engine().workDone() - before, frame.work);
 }
 
@@ -128,7 +129,7 @@ TEST_F(Kept, AlphaOfTheBeginningIsThereForWhatFollows) {
                               dl::blendFunc(blend::DstAlpha, blend::Zero)};
     for (int x = 0; x < 5; ++x) {
         const List list = translucent + beginning + dotAt(20 + x);
-        EXPECT_TRUE(areSame(scan(list), Scanner().scan(width, height, list))) << x;
+        EXPECT_TRUE(areSame(scan(list), Scanner().scan(sceneWidth, sceneHeight, list))) << x;
     }
 }
 
@@ -141,11 +142,11 @@ TEST(KeptBeginnings, CannotBeSeenInAnyList) {
         RandomLists again(seed);
         storeRandom(forgetting, again);
         List list;
-        random.append(list, 40, width, height);
+        random.append(list, 40, sceneWidth, sceneHeight);
         for (int frame = 0; frame < 12; ++frame) {
             const std::uint32_t most = random.below(3) == 0 ? 40 : 12;
             list.resize(list.size() - std::min<std::size_t>(random.below(most), list.size()));
-            random.append(list, 4, width, height);
+            random.append(list, 4, sceneWidth, sceneHeight);
             if (random.below(4) == 0) {
                 const std::uint32_t place = random.below(70000);
                 const int value = static_cast<int>(random.below(256));
@@ -153,8 +154,8 @@ TEST(KeptBeginnings, CannotBeSeenInAnyList) {
                 forgetting.store(place, {value});
             }
             forgetting.engine().forget();
-            ASSERT_TRUE(
-                areSame(keeping.scan(width, height, list), forgetting.scan(width, height, list)))
+            ASSERT_TRUE(areSame(keeping.scan(sceneWidth, sceneHeight, list),
+                                forgetting.scan(sceneWidth, sceneHeight, list)))
                 << "seed " << seed << ", frame " << frame;
         }
     }

@@ -10,14 +10,10 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 using letterpicture::rows;
 
 namespace {
-
-std::uint32_t pixels(int x, int y) {
-    return vertex2f(x * 16, y * 16);
-}
 
 // The words that fill pixels [x, right) of the first rows: sharp upright edges.
 std::vector<std::uint32_t> columns(int x, int right) {

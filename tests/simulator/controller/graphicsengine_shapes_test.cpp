@@ -12,7 +12,7 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 using letterpicture::rows;
 
 namespace {
@@ -22,10 +22,6 @@ std::string drawn(int width, int height, const std::vector<std::uint32_t>& list)
     const Frame& frame = scanner.scan(width, height, list);
     EXPECT_TRUE(frame.complaints.empty());
     return letterpicture::brightness(frame.picture);
-}
-
-std::uint32_t pixels(int x, int y) {
-    return vertex2f(x * 16, y * 16);
 }
 
 int greenAt(const Frame& frame, int x, int y) {

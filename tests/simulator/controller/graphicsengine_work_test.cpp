@@ -11,7 +11,7 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -112,6 +112,12 @@ void Host::bootWithPanel() {
     startPanel();
 }
 
+void Host::calibrate() {
+    for (std::uint32_t i = 0; i < panelTransform.size(); ++i) {
+        write32(at.touchTransformA() + 4 * i, static_cast<std::uint32_t>(panelTransform[i]));
+    }
+}
+
 void Host::waitFrames(std::uint32_t frames) {
     const std::uint32_t wanted = chip.framesScanned() + frames;
     while (chip.framesScanned() < wanted) {
@@ -151,12 +157,6 @@ std::vector<std::uint32_t> words(const std::string& text) {
                          << (i % 4 * 8);
     }
     return result;
-}
-
-std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                     const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
 }
 
 std::vector<std::uint32_t> repeated(const std::vector<std::uint32_t>& command, std::size_t times) {

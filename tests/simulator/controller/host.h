@@ -1,8 +1,10 @@
 #pragma once
 
 #include "controller.h"
+#include "joinedwords.h"
 #include "memorylayout.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -109,6 +111,8 @@ public:
     // Starts the scan: 480 x 272, 75 (E1: 60) frames a second.
     void startPanel();
     void bootWithPanel();
+    // Writes the touch transform of this instrument's panel.
+    void calibrate();
     void waitFrames(std::uint32_t frames);
 
     // --- coprocessor
@@ -123,10 +127,11 @@ private:
     std::uint32_t m_writeOffset = 0;
 };
 
+// The touch transform of this instrument's panel, A to F.
+constexpr std::array<std::int32_t, 6> panelTransform = {24916, 0, -591770, 372, 22707, 10494};
+
 // A string as it stands behind a command: with its zero, padded to words.
 std::vector<std::uint32_t> words(const std::string& text);
-std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                     const std::vector<std::uint32_t>& b);
 std::vector<std::uint32_t> repeated(const std::vector<std::uint32_t>& command, std::size_t times);
 constexpr std::uint32_t pair(int low, int high) {
     return (static_cast<std::uint32_t>(low) & 0xFFFFU) | static_cast<std::uint32_t>(high) << 16U;

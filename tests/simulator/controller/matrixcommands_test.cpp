@@ -26,7 +26,7 @@ V transformWords(const std::vector<std::int32_t>& values) {
     return result;
 }
 
-V words(std::initializer_list<std::int32_t> values) {
+V signedWords(std::initializer_list<std::int32_t> values) {
     V result;
     for (const std::int32_t value : values) {
         result.push_back(static_cast<std::uint32_t>(value));
@@ -54,7 +54,7 @@ TEST_F(MatrixCommands, ScalingUpSamplesMoreSlowly) {
 }
 
 TEST_F(MatrixCommands, TranslationMovesThePictureForward) {
-    EXPECT_THAT(listOf(V{cmd::translate} + words({10 * one, -3 * one}) + V{cmd::setMatrix}),
+    EXPECT_THAT(listOf(V{cmd::translate} + signedWords({10 * one, -3 * one}) + V{cmd::setMatrix}),
                 ElementsAreArray(transformWords({256, 0, -2560, 0, 256, 768})));
 }
 
@@ -66,11 +66,12 @@ TEST_F(MatrixCommands, AQuarterTurnIsClockwise) {
 
 TEST_F(MatrixCommands, TheLastOperationActsFirst) {
     // Turned around (80, 60): that point stays where it is.
-    EXPECT_THAT(listOf(V{cmd::translate} + words({80 * one, 60 * one}) + V{cmd::rotate, 32768} +
-                       V{cmd::translate} + words({-80 * one, -60 * one}) + V{cmd::setMatrix}),
+    EXPECT_THAT(listOf(V{cmd::translate} + signedWords({80 * one, 60 * one}) +
+                       V{cmd::rotate, 32768} + V{cmd::translate} +
+                       signedWords({-80 * one, -60 * one}) + V{cmd::setMatrix}),
                 ElementsAreArray(transformWords({-256, 0, 160 * 256, 0, -256, 120 * 256})));
-    EXPECT_THAT(listOf(V{cmd::scale} + words({2 * one, 2 * one}) + V{cmd::translate} +
-                       words({10 * one, 0}) + V{cmd::setMatrix}),
+    EXPECT_THAT(listOf(V{cmd::scale} + signedWords({2 * one, 2 * one}) + V{cmd::translate} +
+                       signedWords({10 * one, 0}) + V{cmd::setMatrix}),
                 ElementsAreArray(transformWords({128, 0, -2560, 0, 128, 0})));
 }
 
@@ -81,7 +82,7 @@ TEST_F(MatrixCommands, TheMatrixOutlivesTheList) {
 }
 
 TEST_F(MatrixCommands, TheMatrixCanBeRead) {
-    host.send(V{cmd::loadIdentity, cmd::translate} + words({10 * one, 20 * one}) +
+    host.send(V{cmd::loadIdentity, cmd::translate} + signedWords({10 * one, 20 * one}) +
               V{cmd::scale, 3 * one, one / 2});
     const std::uint32_t start = host.read16(host.at.cmdWrite());
     host.send({cmd::getMatrix, 0, 0, 0, 0, 0, 0});
@@ -114,8 +115,8 @@ TEST_F(MatrixCommands, PointsOnALineMakeNone) {
 
 TEST_F(MatrixCommands, ThreePointsMakeATouchTransform) {
     // x = rx / 2 + 10, y = ry / 4 - 5.
-    host.send(V{cmd::touchTransform, 0, 0, 200, 0, 0, 400} + words({10, -5, 110, -5, 10, 95}) +
-              V{0});
+    host.send(V{cmd::touchTransform, 0, 0, 200, 0, 0, 400} +
+              signedWords({10, -5, 110, -5, 10, 95}) + V{0});
     std::vector<std::int32_t> factors;
     for (std::uint32_t i = 0; i < 6; ++i) {
         factors.push_back(

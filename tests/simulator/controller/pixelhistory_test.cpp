@@ -10,7 +10,7 @@
 #include <vector>
 
 using namespace controller;
-using namespace controller::words;
+using namespace controller::listwords;
 
 namespace {
 

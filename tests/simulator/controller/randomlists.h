@@ -29,7 +29,7 @@ public:
 
 private:
     void appendOne(std::vector<std::uint32_t>& list, std::uint32_t width, std::uint32_t height) {
-        using namespace words;
+        using namespace listwords;
         const auto put = [&](std::uint32_t word) { list.push_back(word); };
         switch (below(16)) {
         case 0:
@@ -106,7 +106,7 @@ private:
     }
 
     void appendLayout(std::vector<std::uint32_t>& list) {
-        using namespace words;
+        using namespace listwords;
         list.push_back(bitmapHandle(below(4)));
         list.push_back(dl::bitmapSource(below(70000)));
         list.push_back(dl::bitmapLayout(below(18), below(below(2) != 0 ? 40 : 1024),

@@ -9,20 +9,19 @@ namespace {
 using namespace controllertest;
 using V = std::vector<std::uint32_t>;
 
-constexpr std::int32_t panelTransform[] = {24916, 0, -591770, 372, 22707, 10494};
 constexpr std::uint32_t red = 0xFFFF0000;
-constexpr int width = 480;
-constexpr int height = 272;
+constexpr int panelWidth = 480;
+constexpr int panelHeight = 272;
 
-std::uint32_t vertex2ii(int x, int y) {
+std::uint32_t vertexAt(int x, int y) {
     return 0x80000000U | static_cast<std::uint32_t>(x) << 21U |
            static_cast<std::uint32_t>(y) << 12U;
 }
 
 // A red square of 4 pixels with tag 9, its top left corner at (10, 20).
 V picture() {
-    return {cmd::dlStart,      0x26000007,        0x04FF0000, 0x03000009, 0x1F000009,
-            vertex2ii(10, 20), vertex2ii(14, 24), 0x21000000, 0x00000000, cmd::swap};
+    return {cmd::dlStart,     0x26000007,       0x04FF0000, 0x03000009, 0x1F000009,
+            vertexAt(10, 20), vertexAt(14, 24), 0x21000000, 0x00000000, cmd::swap};
 }
 
 // Where REG_ROTATE puts the picture's pixel (11, 21) on the panel.
@@ -36,10 +35,7 @@ class Rotation : public testing::TestWithParam<std::tuple<Generation, Turned>> {
 protected:
     Rotation() : host(std::get<0>(GetParam())), expected(std::get<1>(GetParam())) {
         host.bootWithPanel();
-        for (std::uint32_t i = 0; i < 6; ++i) {
-            host.write32(host.at.touchTransformA() + 4 * i,
-                         static_cast<std::uint32_t>(panelTransform[i]));
-        }
+        host.calibrate();
     }
     void show() {
         host.send(picture());
@@ -57,12 +53,12 @@ protected:
 // Portrait turns a quarter clockwise; the picture is then 272 wide and 480 high.
 constexpr Turned turns[] = {
     {0, 11, 21},
-    {1, width - 1 - 11, height - 1 - 21},
-    {2, width - 1 - 21, 11},
-    {3, 21, height - 1 - 11},
-    {4, width - 1 - 11, 21},
-    {5, 11, height - 1 - 21},
-    {6, width - 1 - 21, height - 1 - 11},
+    {1, panelWidth - 1 - 11, panelHeight - 1 - 21},
+    {2, panelWidth - 1 - 21, 11},
+    {3, 21, panelHeight - 1 - 11},
+    {4, panelWidth - 1 - 11, 21},
+    {5, 11, panelHeight - 1 - 21},
+    {6, panelWidth - 1 - 21, panelHeight - 1 - 11},
     {7, 21, 11},
 };
 
@@ -74,10 +70,10 @@ TEST_P(Rotation, ThePictureTurns) {
     host.send({cmd::setRotate, expected.rotate});
     show();
     EXPECT_EQ(host.read32(0x302058), expected.rotate);
-    EXPECT_EQ(host.chip.frame().picture.width, width);
-    EXPECT_EQ(host.chip.frame().picture.height, height);
+    EXPECT_EQ(host.chip.frame().picture.width, panelWidth);
+    EXPECT_EQ(host.chip.frame().picture.height, panelHeight);
     EXPECT_EQ(host.chip.frame().picture.at(expected.x, expected.y), red);
-    const auto index = static_cast<std::size_t>(expected.y * width + expected.x);
+    const auto index = static_cast<std::size_t>(expected.y * panelWidth + expected.x);
     EXPECT_EQ(host.chip.frame().tags[index], 9);
     EXPECT_TRUE(host.seen.complaints.empty());
 }
@@ -125,12 +121,12 @@ TEST(RotationOfTheFirstGeneration, IsUpsideDownOnly) {
     host.write8(0x102454, 1);
     host.send(picture());
     host.waitFrames(2);
-    EXPECT_EQ(host.chip.frame().picture.at(width - 1 - 11, height - 1 - 21), red);
+    EXPECT_EQ(host.chip.frame().picture.at(panelWidth - 1 - 11, panelHeight - 1 - 21), red);
     EXPECT_TRUE(host.seen.complaints.empty());
     host.write8(0x102454, 2);
     EXPECT_TRUE(host.seen.complainedAbout("upside down only"));
     EXPECT_EQ(host.chip.frame().picture.at(11, 21), red);
-    EXPECT_EQ(host.chip.frame().picture.width, width);
+    EXPECT_EQ(host.chip.frame().picture.width, panelWidth);
 }
 
 TEST(RotationOfWidgets, TheyAreAsWideAsThePicture) {

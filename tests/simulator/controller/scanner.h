@@ -5,6 +5,7 @@
 #include "fontrom.h"
 #include "graphicsengine.h"
 #include "graphicsmemory.h"
+#include "joinedwords.h"
 #include "memorylayout.h"
 #include "pixelhistory.h"
 
@@ -19,9 +20,10 @@
 namespace controller {
 
 // What the tests need beside the words of dlwords.h: shorter forms for E3.
-namespace words {
+namespace listwords {
 
 using namespace dl;
+using controllertest::operator+;
 
 constexpr std::uint32_t clearAll = dl::clear(true, true, true);
 constexpr std::uint32_t nearest = 0;
@@ -41,16 +43,15 @@ constexpr std::uint32_t scissorSize(std::uint32_t width, std::uint32_t height) {
 constexpr std::uint32_t bitmapSize(std::uint32_t flags, std::uint32_t width, std::uint32_t height) {
     return dl::bitmapSize(width, height) | flags;
 }
-inline std::vector<std::uint32_t> operator+(std::vector<std::uint32_t> a,
-                                            const std::vector<std::uint32_t>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
+// A vertex in whole pixels, which may lie outside of the panel.
+constexpr std::uint32_t pixels(int x, int y) {
+    return dl::vertex2f(x * 16, y * 16);
 }
 constexpr std::uint32_t vertex2ii(std::uint32_t x, std::uint32_t y, std::uint32_t handle = 0) {
     return dl::vertex2ii(x, y, handle, 0);
 }
 
-} // namespace words
+} // namespace listwords
 
 class Scanner {
 public:

@@ -13,16 +13,6 @@ using controller::Register;
 using controller::Registers;
 using controller::TouchEngine;
 
-// The transform of this instrument's panel.
-constexpr std::int32_t panelTransform[] = {24916, 0, -591770, 372, 22707, 10494};
-
-void writeTransform(Host& host) {
-    for (std::uint32_t i = 0; i < 6; ++i) {
-        host.write32(host.at.touchTransformA() + 4 * i,
-                     static_cast<std::uint32_t>(panelTransform[i]));
-    }
-}
-
 TEST(TouchEngine, EveryPixelComesBackThroughThePanelsOwnTransform) {
     Registers registers(Generation::E3);
     const Register factors[] = {Register::TouchTransformA, Register::TouchTransformB,
@@ -71,7 +61,7 @@ TEST_P(TouchOfEveryGeneration, UntouchedRegistersSaySo) {
 TEST_P(TouchOfEveryGeneration, ATouchGivesCoordinatesAndTag) {
     Host host(GetParam());
     host.bootWithPanel();
-    writeTransform(host);
+    host.calibrate();
     // Tag 7 on a large point around (100, 50).
     host.send({cmd::dlStart, 0x26000007, 0x03000007, 0x0D000140, 0x1F000002,
                0x80000000U | 100U << 21 | 50U << 12, 0x21000000, 0, cmd::swap});
@@ -95,7 +85,7 @@ TEST_P(TouchOfEveryGeneration, ATouchGivesCoordinatesAndTag) {
 TEST(TouchEngine, TheTagOfTheTouchedPixelChangesWithTheFrame) {
     Host host(Generation::E3);
     host.bootWithPanel();
-    writeTransform(host);
+    host.calibrate();
     host.chip.touch(10, 10);
     const auto showTag = [&](std::uint32_t tag) {
         host.send({cmd::dlStart, 0x12000000U | tag, 0x26000007, 0, cmd::swap});
@@ -109,7 +99,7 @@ TEST(TouchEngine, TheTagOfTheTouchedPixelChangesWithTheFrame) {
 TEST(TouchEngine, DrawingWithoutATagIsTag255) {
     Host host(Generation::E3);
     host.bootWithPanel();
-    writeTransform(host);
+    host.calibrate();
     host.send({cmd::dlStart, 0x26000007, cmd::gradient, pair(0, 0), 0, pair(100, 0), 0xFFFFFF, 0,
                cmd::swap});
     host.chip.touch(200, 100);
@@ -189,7 +179,7 @@ TEST(TouchEngine, ATouchsResistanceIsAThousandAndMayBeTheThresholdItself) {
 TEST(TouchEngine, ThePollsOfTheTagAreCounted) {
     Host host(Generation::E3);
     host.bootWithPanel();
-    writeTransform(host);
+    host.calibrate();
     host.send({cmd::dlStart, 0x12000009, 0x26000007, 0, cmd::swap});
     host.chip.touch(5, 5);
     host.waitFrames(3);
@@ -208,7 +198,7 @@ class Fingers : public testing::TestWithParam<Generation> {
 protected:
     Fingers() : host(GetParam()) {
         host.bootWithPanel();
-        writeTransform(host);
+        host.calibrate();
         // Five vertical bars with tags 1 to 5, 96 pixels wide.
         std::vector<std::uint32_t> list = {cmd::dlStart, 0x26000007, 0x1F000009};
         for (std::uint32_t i = 0; i < 5; ++i) {
@@ -308,7 +298,7 @@ TEST_P(Fingers, CalibrationNeedsTheRawCoordinatesOfOne) {
 TEST(TouchEngine, TheFirstGenerationHasOneFinger) {
     Host host(Generation::E1);
     host.bootWithPanel();
-    writeTransform(host);
+    host.calibrate();
     host.write8(0x1024F4, 0); // REG_TOUCH_ADC_MODE
     host.chip.touch(100, 100);
     host.chip.touch(200, 200, 1);

@@ -148,11 +148,7 @@ TEST_F(Widgets, TurnAndScaleAroundAPointLeaveItWhereItIs) {
 }
 
 TEST_F(Widgets, ASketchOnACapacitivePanelDrawsToo) {
-    constexpr std::int32_t panelTransform[] = {24916, 0, -591770, 372, 22707, 10494};
-    for (std::uint32_t i = 0; i < 6; ++i) {
-        host.write32(host.at.touchTransformA() + 4 * i,
-                     static_cast<std::uint32_t>(panelTransform[i]));
-    }
+    host.calibrate();
     host.send({0xFFFFFF35, pair(100, 50), pair(80, 40), 5000, pair(3, 100)});
     host.chip.touch(110, 60);
     host.waitFrames(2);

@@ -1,6 +1,7 @@
 // Runs the program itself, with shell scripts in the application's place: how sessions end.
 
 #include "boundprocess.h"
+#include "patience.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -16,8 +17,6 @@
 #include <sys/types.h>
 
 namespace {
-
-constexpr int generousMs = 60000;
 
 struct Outcome {
     int status = -1;

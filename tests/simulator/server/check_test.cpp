@@ -1,5 +1,6 @@
 #include "boundprocess.h"
 #include "measurementserver.h"
+#include "patience.h"
 
 #include <QCoreApplication>
 #include <QTcpServer>
@@ -15,8 +16,6 @@ using server::MeasurementServer;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int patienceMs = 60000;
-
 struct Outcome {
     int status = -1;
     std::string report;
@@ -28,7 +27,7 @@ Outcome check(const QStringList& arguments) {
     panel::BoundProcess process;
     process.start(CHECK_PROGRAM, arguments);
     EXPECT_TRUE(QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; },
-                                patienceMs));
+                                generousMs));
     return {process.exitCode(), process.readAllStandardOutput().toStdString(),
             process.readAllStandardError().toStdString()};
 }

@@ -1,5 +1,6 @@
 #include "boundprocess.h"
 #include "measurementserver.h"
+#include "patience.h"
 
 #include <QHostAddress>
 #include <QTcpSocket>
@@ -11,20 +12,18 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr int patienceMs = 20000;
-
 // The program, running; killed at the end.
 class Program {
 public:
     explicit Program(const QStringList& arguments) { m_process.start(PROGRAM, arguments); }
     ~Program() {
         m_process.kill();
-        m_process.waitForFinished(patienceMs);
+        m_process.waitForFinished(generousMs);
     }
 
     // The next line on standard output.
     std::string line() {
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(patienceMs)) {
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(generousMs)) {
         }
         return m_process.readLine().trimmed().toStdString();
     }
@@ -33,7 +32,7 @@ public:
         return line();
     }
     int exitStatus() {
-        EXPECT_TRUE(m_process.waitForFinished(patienceMs));
+        EXPECT_TRUE(m_process.waitForFinished(generousMs));
         return m_process.exitCode();
     }
     std::string output() { return m_process.readAllStandardOutput().toStdString(); }
@@ -64,9 +63,9 @@ TEST(MeasurementServerProgramTest, PrintsWhereItListensAndEachRequest) {
     ASSERT_THAT(listening.toStdString(), HasSubstr("Listening on 127.0.0.1:"));
     QTcpSocket client;
     client.connectToHost(QHostAddress::LocalHost, listening.section(':', 1).toUShort());
-    ASSERT_TRUE(client.waitForConnected(patienceMs));
+    ASSERT_TRUE(client.waitForConnected(generousMs));
     client.write("START 1\n");
-    ASSERT_TRUE(client.waitForReadyRead(patienceMs));
+    ASSERT_TRUE(client.waitForReadyRead(generousMs));
     EXPECT_EQ(client.readAll(), "Ok\n");
     EXPECT_EQ(program.line(), "connections: 1");
     EXPECT_EQ(program.line(), "request: START 1");
@@ -109,9 +108,9 @@ TEST(MeasurementServerProgramTest, SaysWhenItsFaultStrikes) {
     const QString listening = QString::fromStdString(program.line());
     QTcpSocket client;
     client.connectToHost(QHostAddress::LocalHost, listening.section(':', 1).toUShort());
-    ASSERT_TRUE(client.waitForConnected(patienceMs));
+    ASSERT_TRUE(client.waitForConnected(generousMs));
     client.write("DATA?\nSTART 1\n");
-    ASSERT_TRUE(client.waitForReadyRead(patienceMs));
+    ASSERT_TRUE(client.waitForReadyRead(generousMs));
     EXPECT_EQ(client.readAll(), "Ok\n");
     EXPECT_EQ(program.errorLine(), "measurementserver: fault silent strikes \"DATA?\"");
 }

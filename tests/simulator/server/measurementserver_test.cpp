@@ -1,5 +1,6 @@
 #include "debuglog.h"
 #include "measurementserver.h"
+#include "patience.h"
 #include "qtprinting.h"
 
 #include <QElapsedTimer>
@@ -29,7 +30,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 // For whatever must happen in the end; a test that passes never waits so long.
-constexpr int patienceMs = 20000;
 
 constexpr auto defaultParams =
     R"({"Ref0":0.05,"Ref1":0.15,"Ref2":0.25,"Ref3":0.35,"TimeConst":0.5})"
@@ -37,7 +37,7 @@ constexpr auto defaultParams =
 
 template<typename Condition>
 bool waitFor(Condition condition) {
-    return QTest::qWaitFor(condition, patienceMs);
+    return QTest::qWaitFor(condition, generousMs);
 }
 
 // A client in the thread of the server, which gets on with it whenever the test waits.
@@ -490,7 +490,7 @@ TEST(MeasurementServerClockTest, TimePassesAsItReallyDoes) {
         const QByteArray reply = client.ask("DATA?\n");
         return QJsonDocument::fromJson(reply).object().value(QStringLiteral("Channel0")).toDouble();
     };
-    while (counts() == 0.0 && sinceStart.elapsed() < patienceMs) {
+    while (counts() == 0.0 && sinceStart.elapsed() < generousMs) {
     }
     EXPECT_GE(sinceStart.elapsed(), 199);
     // Channel 0 counts every pulse; their number scatters by its square root.

@@ -1,21 +1,21 @@
 #include "bitmapmatrix.h"
 
+#include "dlwords.h"
 #include "fixedmath.h"
 
 namespace controller {
 
 namespace {
 
-constexpr std::int64_t one = 65536;
-// BITMAP_TRANSFORM words: signed 8.8 in 17 bits, signed 15.8 in 24 bits.
+constexpr std::int64_t matrixOne = 65536;
+// BITMAP_TRANSFORM words: signed 8.8 in 17 bits.
 constexpr std::int64_t factorLimit = 0xFFFF;
-constexpr std::int64_t offsetLimit = 0x7FFFFF;
 
 std::int32_t dot(std::int32_t a, std::int32_t x, std::int32_t b, std::int32_t y,
                  std::int32_t c = 0) {
     // Halved first: the sum of two products may not fit.
     const std::int64_t sum = std::int64_t{a} * x / 2 + std::int64_t{b} * y / 2;
-    return saturated(roundedQuotient(sum, one / 2) + c);
+    return saturated(roundedQuotient(sum, matrixOne / 2) + c);
 }
 
 std::int32_t factor(std::int64_t numerator, std::int64_t determinant) {
@@ -25,7 +25,8 @@ std::int32_t factor(std::int64_t numerator, std::int64_t determinant) {
 }
 
 std::int32_t offset(std::int64_t value) {
-    return static_cast<std::int32_t>(clampTo(value, -offsetLimit - 1, offsetLimit));
+    return static_cast<std::int32_t>(
+        clampTo(value, -dl::largestTransformOffset - 1, dl::largestTransformOffset));
 }
 
 } // namespace
@@ -38,7 +39,7 @@ void BitmapMatrix::apply(const Affine& first) {
 }
 
 void BitmapMatrix::translate(std::int32_t x, std::int32_t y) {
-    apply({static_cast<std::int32_t>(one), 0, x, 0, static_cast<std::int32_t>(one), y});
+    apply({static_cast<std::int32_t>(matrixOne), 0, x, 0, static_cast<std::int32_t>(matrixOne), y});
 }
 
 void BitmapMatrix::scale(std::int32_t x, std::int32_t y) {
@@ -54,8 +55,8 @@ void BitmapMatrix::rotate(std::uint32_t angle) {
 
 void BitmapMatrix::rotateAround(std::int32_t x, std::int32_t y, std::uint32_t angle,
                                 std::int32_t factorOfScale) {
-    const std::int32_t tx = saturated(x * one);
-    const std::int32_t ty = saturated(y * one);
+    const std::int32_t tx = saturated(x * matrixOne);
+    const std::int32_t ty = saturated(y * matrixOne);
     translate(tx, ty);
     rotate(angle);
     scale(factorOfScale, factorOfScale);

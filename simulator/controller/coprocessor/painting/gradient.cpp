@@ -36,7 +36,6 @@ namespace controller {
 
 namespace {
 
-constexpr std::int64_t one = RampSlope::one;
 constexpr std::uint32_t bilinear = 1U << 20U;  // in BITMAP_SIZE
 constexpr std::uint32_t laterFractionBits = 2; // of vertices in E2 and E3: reach 4096 pixels
 
@@ -47,7 +46,6 @@ constexpr std::uint32_t color = 14;
 } // namespace channels
 
 constexpr std::uint32_t opaque = 255;
-constexpr std::uint32_t white = 0xFFFFFF;
 
 std::uint32_t alphaOf(std::uint32_t argb) {
     return argb >> 24U;
@@ -192,8 +190,8 @@ GradientWriter::Layer GradientWriter::layerOf(const Gradient& gradient) const {
     // Where the strip begins: a pixel is sampled at its top left corner, so the rest of it may
     // lie up to one pixel further back; a quarter pixel more for the rounding of vertices.
     layer.limit = slope.isSteep()
-                      ? (slope.texels + slope.rows) * one / 2
-                      : slope.texels * one + std::min<std::int64_t>(0, slope.dx) +
+                      ? (slope.texels + slope.rows) * RampSlope::one / 2
+                      : slope.texels * RampSlope::one + std::min<std::int64_t>(0, slope.dx) +
                             std::min<std::int64_t>(0, slope.dy) - (slope.perPixel() + 3) / 4;
     const auto [lowest, highest] = std::minmax(
         {slope.at(0, 0), slope.at(m_width, 0), slope.at(0, m_height), slope.at(m_width, m_height)});

@@ -13,6 +13,8 @@ namespace controller {
 // Display-list words in the making.
 using Words = std::vector<std::uint32_t>;
 
+constexpr std::uint32_t white = 0xFFFFFF; // red, green, blue
+
 // A position in 1/16 pixel.
 struct Point16 {
     int x = 0;

@@ -1,5 +1,6 @@
 #include "rampslope.h"
 
+#include "dlwords.h"
 #include "fixedmath.h"
 
 #include <algorithm>
@@ -16,10 +17,8 @@ namespace controller {
 
 namespace {
 
-constexpr std::int64_t one = RampSlope::one;
-constexpr std::int64_t offsetLimit = 0x7FFFFF; // of the transform's constant term
-constexpr std::int64_t highestBitmap = 511;    // in every generation
-constexpr int farthestTried = 4;               // from the rounded numbers
+constexpr std::int64_t highestBitmap = 511; // in every generation
+constexpr int farthestTried = 4;            // from the rounded numbers
 // What the rounded numbers may be off without a look at others: 3/8 of the ramp's 256 steps.
 constexpr std::int64_t tolerance = 96;
 
@@ -97,14 +96,14 @@ RampSlope SlopeFinder::slope(std::uint32_t step, std::int64_t dx, std::int64_t d
     slope.dy = dy;
     slope.rows = slope.isSteep() ? std::min<std::int64_t>(m_canvas.ramp.line / step, highestBitmap)
                                  : slope.texels;
-    slope.start = (slope.texels * one - dx * (m_gradient.x0 + m_gradient.x1) -
+    slope.start = (slope.texels * RampSlope::one - dx * (m_gradient.x0 + m_gradient.x1) -
                    dy * (m_gradient.y0 + m_gradient.y1)) /
                   2;
     return slope;
 }
 
 RampSlope SlopeFinder::rounded(std::uint32_t step) const {
-    const std::int64_t length = m_canvas.ramp.length / step * one;
+    const std::int64_t length = m_canvas.ramp.length / step * RampSlope::one;
     return slope(step, roundedQuotient(length * m_vx, m_square),
                  roundedQuotient(length * m_vy, m_square));
 }
@@ -114,8 +113,8 @@ Range SlopeFinder::errors(const RampSlope& slope) const {
     std::vector<std::int64_t> all;
     for (const auto& [x, y] : m_corners) {
         const std::int64_t along = (x - m_gradient.x0) * m_vx + (y - m_gradient.y0) * m_vy;
-        all.push_back(
-            roundedQuotient(slope.at(x, y) * m_square - slope.texels * one * along, m_square));
+        all.push_back(roundedQuotient(
+            slope.at(x, y) * m_square - slope.texels * RampSlope::one * along, m_square));
     }
     if (all.empty()) {
         return {};
@@ -134,7 +133,8 @@ RampSlope SlopeFinder::centred(RampSlope slope) const {
 // A strip begins half way through the full texels behind a steep ramp. A pixel that it covers in
 // part must lie within these, also when the rounded vertices shift it by a quarter pixel.
 bool hasRoomForStrip(const RampSlope& slope) {
-    return !slope.isSteep() || slope.perPixel() * 5 / 4 <= (slope.rows - slope.texels) * one / 2;
+    return !slope.isSteep() ||
+           slope.perPixel() * 5 / 4 <= (slope.rows - slope.texels) * RampSlope::one / 2;
 }
 
 RampSlope SlopeFinder::find() const {
@@ -163,7 +163,7 @@ RampSlope SlopeFinder::find() const {
 } // namespace
 
 bool RampSlope::canStart() const {
-    return std::abs(start) <= offsetLimit;
+    return std::abs(start) <= dl::largestTransformOffset;
 }
 
 RampSlope rampSlope(const Gradient& gradient, const GradientCanvas& canvas) {

@@ -14,7 +14,6 @@ constexpr int keyGap = 3; // pixels between keys
 constexpr int edge = subpixels;
 constexpr int largestCorner = 8 * subpixels;
 constexpr std::uint32_t turn = 65536;
-constexpr std::uint32_t white = 0xFFFFFF;
 
 // Corners grow with the shape: an eighth of its shorter side.
 int cornerRadius(const Box& box) {

@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::size_t signatureBytes = 8;
+constexpr std::size_t pngSignatureBytes = 8;
 constexpr std::size_t chunkFrame = 12; // length, name and checksum
 constexpr std::size_t paletteEntries = 256;
 
@@ -27,11 +27,11 @@ std::uint32_t bigEndian(const std::uint8_t* bytes) {
 // when a checksum is wrong or the file ends early.
 std::optional<Bytes> essence(const Bytes& file) {
     constexpr const char* kept[] = {"IHDR", "PLTE", "tRNS", "IDAT", "IEND"};
-    if (file.size() < signatureBytes) {
+    if (file.size() < pngSignatureBytes) {
         return std::nullopt;
     }
-    Bytes result(file.begin(), file.begin() + signatureBytes);
-    for (std::size_t at = signatureBytes; at + chunkFrame <= file.size();) {
+    Bytes result(file.begin(), file.begin() + pngSignatureBytes);
+    for (std::size_t at = pngSignatureBytes; at + chunkFrame <= file.size();) {
         const std::uint32_t length = bigEndian(&file[at]);
         if (length > file.size() - at - chunkFrame) {
             return std::nullopt;

@@ -1,4 +1,5 @@
 #include "faults.h"
+#include "patience.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -10,8 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr int generousMs = 60000;
 
 // On a controller that has been started.
 class FaultsTest : public testing::Test {

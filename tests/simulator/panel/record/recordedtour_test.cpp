@@ -2,6 +2,7 @@
 
 #include "boundprocess.h"
 #include "panelwindow.h"
+#include "patience.h"
 #include "script.h"
 
 #include <QAction>
@@ -19,8 +20,6 @@
 
 namespace panel {
 namespace {
-
-constexpr int generousMs = 60000;
 
 // What decides about the numbers on the panel, in the rig and in the script.
 constexpr std::array<double, 4> sample{1234, 567, 89, 0};

@@ -1,3 +1,4 @@
+#include "patience.h"
 #include "serverthread.h"
 
 #include <QCoreApplication>
@@ -12,7 +13,6 @@
 namespace panel {
 namespace {
 
-constexpr int generousMs = 60000;
 constexpr quint16 serverPort = 9800;
 
 class ServerThreadTest : public testing::Test {

@@ -9,7 +9,7 @@
 namespace panel {
 namespace {
 
-controller::PanelState shining(int backlight = 128) {
+controller::PanelState litPanel(int backlight = 128) {
     return {true, true, backlight, 75};
 }
 
@@ -29,7 +29,7 @@ protected:
 
 TEST_F(PanelViewTest, ScalesInWholePixelsWithoutSmoothing) {
     m_view.setZoom(3);
-    m_view.show(pictureWith({10, 20}, 0xFFFF8000), shining());
+    m_view.show(pictureWith({10, 20}, 0xFFFF8000), litPanel());
     EXPECT_EQ(m_view.size(), QSize(1440, 816));
     EXPECT_EQ(at(30, 60), 0xFFFF8000);
     EXPECT_EQ(at(32, 62), 0xFFFF8000);
@@ -38,7 +38,7 @@ TEST_F(PanelViewTest, ScalesInWholePixelsWithoutSmoothing) {
 }
 
 TEST_F(PanelViewTest, ShowsWhatTheBacklightMakesOfIt) {
-    m_view.show(pictureWith({0, 0}, 0xFFFF8000), shining(64));
+    m_view.show(pictureWith({0, 0}, 0xFFFF8000), litPanel(64));
     EXPECT_NEAR(qRed(at(0, 0)), 0x80, 2);
     EXPECT_NEAR(qGreen(at(0, 0)), 0x40, 2);
 }

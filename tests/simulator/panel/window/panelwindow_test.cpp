@@ -1,5 +1,6 @@
 #include "messagebar.h"
 #include "panelwindow.h"
+#include "patience.h"
 
 #include <QAction>
 #include <QApplication>
@@ -21,7 +22,6 @@
 namespace panel {
 namespace {
 
-constexpr int generousMs = 60000;
 constexpr QSize largeScreen(3840, 2160);
 
 class PanelWindowTest : public testing::Test {
