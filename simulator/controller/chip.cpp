@@ -91,7 +91,9 @@ void Controller::Chip::setChipSelect(bool high, Nanoseconds now) {
     }
     if (!high) {
         m_host.select();
-        m_transaction = {now, now, {}, {}};
+        m_transaction.start = now;
+        m_transaction.sent.clear(); // keeps the room: there are many thousands a second
+        m_transaction.received.clear();
         return;
     }
     m_host.deselect();
