@@ -189,9 +189,11 @@ class Workshop:
         for test in json.loads(listed)["tests"]:
             properties = {each["name"]: each["value"] for each in test.get("properties", [])}
             labels = properties.get("LABELS", [])
-            environment = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", []))
+            environment = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", [])
+                               if not each.startswith("GTEST_"))
             command = test.get("command", [""])
-            # Some are run by another program, which finds them a port.
+            # Some are run by another program, which finds them a port. A program that has several
+            # entries is run once and whole.
             program = os.path.relpath(command[-1], self.build_tree) if command[-1] else ""
             if program in programs and "unit" in labels:
                 checks[program] = Check(
