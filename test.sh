@@ -30,7 +30,7 @@ packaging/install-build-packages.sh
 
 # Unit tests wait now and then, system tests most of the time.
 cores=$(nproc)
-unit_jobs=$((cores * 2))
+unit_jobs=$((cores * 3))
 system_jobs=$((cores * 8))
 fuzz_seconds=60
 soak_time=2m
@@ -48,12 +48,12 @@ preparation() {
 everyday() {
     stage "Style" packaging/check-style.sh
     stage "Build, sanitizers" build debug unit_tests
-    stage "Unit tests, sanitizers" --needs "Build, sanitizers" \
-        --results build/debug/test-results ctest --preset unit --parallel "$unit_jobs"
     stage "Build, as shipped" build release system_tests
-    stage "System tests" --needs "Build, as shipped" \
+    stage "System tests" --beside --needs "Build, as shipped" \
         --ctest build/test-logs/system.xml ctest --preset system --parallel "$system_jobs" \
         --output-junit "$PWD/build/test-logs/system.xml"
+    stage "Unit tests, sanitizers" --needs "Build, sanitizers" \
+        --results build/debug/test-results ctest --preset unit --parallel "$unit_jobs"
 }
 
 slow() {
