@@ -229,11 +229,11 @@ public:
         }
     }
 
-    void faults(const QCommandLineOption& option, std::vector<FaultSpec>& faults) {
+    void faults(const QCommandLineOption& option, std::vector<FaultOrder>& faults) {
         for (const QString& text : m_parser.values(option)) {
             QString error;
-            if (const auto spec = parseFaultSpec(text.split(' ', Qt::SkipEmptyParts), &error)) {
-                faults.push_back(*spec);
+            if (const auto order = parseFaultOrder(text.split(' ', Qt::SkipEmptyParts), &error)) {
+                faults.push_back(*order);
             } else {
                 fail(QStringLiteral("--fault: %1").arg(error));
             }

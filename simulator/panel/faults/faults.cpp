@@ -23,20 +23,20 @@ Faults::Faults(DisplayModule& module, Complaints& complaints, Doors doors)
     });
 }
 
-void Faults::begin(const FaultSpec& spec) {
-    end(spec.name);
-    m_strikes.begin(spec.name, spec.text);
+void Faults::begin(const FaultOrder& order) {
+    end(order.name);
+    m_strikes.begin(order.name, order.text);
     const unsigned turn = ++m_begun;
-    m_turns[spec.name] = turn;
-    m_active[spec.name] = spec;
+    m_turns[order.name] = turn;
+    m_active[order.name] = order;
     emit changed();
-    if (spec.after.count() == 0) {
-        breakNow(spec);
+    if (order.after.count() == 0) {
+        breakNow(order);
         return;
     }
-    QTimer::singleShot(spec.after, Qt::PreciseTimer, this, [this, spec, turn] {
-        if (m_turns[spec.name] == turn && m_active.count(spec.name) != 0) {
-            breakNow(spec);
+    QTimer::singleShot(order.after, Qt::PreciseTimer, this, [this, order, turn] {
+        if (m_turns[order.name] == turn && m_active.count(order.name) != 0) {
+            breakNow(order);
         }
     });
 }
@@ -46,61 +46,62 @@ void Faults::end(const QString& name) {
     if (fault == m_active.end()) {
         return;
     }
-    const FaultSpec spec = fault->second;
+    const FaultOrder order = fault->second;
     m_active.erase(fault);
-    mend(spec);
+    mend(order);
     m_strikes.end(name);
     emit changed();
 }
 
 void Faults::endAll() {
     const auto active = m_active;
-    for (const auto& [name, spec] : active) {
+    for (const auto& [name, order] : active) {
         end(name);
     }
 }
 
 QStringList Faults::active() const {
     QStringList names;
-    for (const auto& [name, spec] : m_active) {
-        if (!spec.endsByItself() || m_strikes.count(name) == 0) {
+    for (const auto& [name, order] : m_active) {
+        if (!order.endsByItself() || m_strikes.count(name) == 0) {
             names += name;
         }
     }
     return names;
 }
 
-void Faults::breakNow(const FaultSpec& spec) {
-    switch (spec.breaks) {
+void Faults::breakNow(const FaultOrder& order) {
+    switch (order.breaks) {
     case Breaks::BusDead:
     case Breaks::BusFailsAt:
     case Breaks::BusFailsRandomly:
     case Breaks::BusCorrupts:
     case Breaks::BusSlow:
     case Breaks::PinsFail:
-        m_wires.add(spec);
+        m_wires.add(order);
         break;
     case Breaks::PinsForbidden:
         m_doors.forbidPins(true);
-        m_strikes.add(spec.name, QStringLiteral("for programs started from now on"));
+        m_strikes.add(order.name, QStringLiteral("for programs started from now on"));
         break;
     case Breaks::ServerOff:
         m_doors.switchServer(false);
-        m_strikes.add(spec.name, QStringLiteral("the server is gone"));
+        m_strikes.add(order.name, QStringLiteral("the server is gone"));
         break;
     case Breaks::Server:
-        m_doors.server(
-            [&spec](server::MeasurementServer& server) { server.addFault(spec.name, spec.rule); });
+        m_doors.server([&order](server::MeasurementServer& server) {
+            server.addFault(order.name, order.rule);
+        });
         break;
     default:
-        breakController(spec);
+        breakController(order);
         break;
     }
 }
 
-void Faults::breakController(const FaultSpec& spec) {
+void Faults::breakController(const FaultOrder& order) {
     QString what = QStringLiteral("from now on");
-    switch (spec.breaks) {
+    switch (order.breaks) {
     case Breaks::CoprocessorFault:
         m_complaints.allow(QString::fromLatin1(coprocessorComplaint));
         m_module.breakCoprocessor();
@@ -110,15 +111,15 @@ void Faults::breakController(const FaultSpec& spec) {
         m_module.setCoprocessorStalled(true);
         break;
     case Breaks::ControllerSlowBoot:
-        m_module.setStartTime(spec.time);
+        m_module.setStartTime(order.time);
         what = QStringLiteral("from the next start on");
         break;
     case Breaks::ControllerBrownOut:
-        brownOut(spec);
+        brownOut(order);
         what = QStringLiteral("the supply fails");
         break;
     case Breaks::ControllerWrongId:
-        m_module.setIdentity(spec.word);
+        m_module.setIdentity(order.word);
         break;
     case Breaks::ControllerSilent:
         m_module.setAnswering(false);
@@ -126,17 +127,17 @@ void Faults::breakController(const FaultSpec& spec) {
     default:
         break;
     }
-    m_strikes.add(spec.name, what);
+    m_strikes.add(order.name, what);
 }
 
 // The supply is down for a moment, which the chip takes as it takes the power-down pin.
-void Faults::brownOut(const FaultSpec& spec) {
+void Faults::brownOut(const FaultOrder& order) {
     m_module.powerDown(false);
-    QTimer::singleShot(spec.time, Qt::PreciseTimer, this, [this] { m_module.powerDown(true); });
+    QTimer::singleShot(order.time, Qt::PreciseTimer, this, [this] { m_module.powerDown(true); });
 }
 
-void Faults::mend(const FaultSpec& spec) {
-    switch (spec.breaks) {
+void Faults::mend(const FaultOrder& order) {
+    switch (order.breaks) {
     case Breaks::PinsForbidden:
         m_doors.forbidPins(false);
         break;
@@ -157,13 +158,13 @@ void Faults::mend(const FaultSpec& spec) {
         break;
     case Breaks::Server:
         m_doors.server(
-            [&spec](server::MeasurementServer& server) { server.clearFault(spec.name); });
+            [&order](server::MeasurementServer& server) { server.clearFault(order.name); });
         break;
     case Breaks::CoprocessorFault:
     case Breaks::ControllerBrownOut:
         break; // done is done
     default:
-        m_wires.remove(spec.name);
+        m_wires.remove(order.name);
         break;
     }
 }

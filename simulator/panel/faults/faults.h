@@ -2,7 +2,7 @@
 
 #include "complaints.h"
 #include "displaymodule.h"
-#include "faultspec.h"
+#include "faultorder.h"
 #include "faultywires.h"
 #include "measurementserver.h"
 #include "strikes.h"
@@ -36,7 +36,7 @@ public:
     FaultyWires& wires() { return m_wires; }
 
     // A fault that is on already is begun anew.
-    void begin(const FaultSpec& spec);
+    void begin(const FaultOrder& order);
     void end(const QString& name); // does nothing when it is not on
     void endAll();
 
@@ -49,17 +49,17 @@ signals:
     void changed(); // active()
 
 private:
-    void breakNow(const FaultSpec& spec);
-    void breakController(const FaultSpec& spec);
-    void brownOut(const FaultSpec& spec);
-    void mend(const FaultSpec& spec);
+    void breakNow(const FaultOrder& order);
+    void breakController(const FaultOrder& order);
+    void brownOut(const FaultOrder& order);
+    void mend(const FaultOrder& order);
 
     DisplayModule& m_module;
     Complaints& m_complaints;
     const Doors m_doors;
     Strikes m_strikes;
     FaultyWires m_wires;
-    std::map<QString, FaultSpec> m_active;
+    std::map<QString, FaultOrder> m_active;
     unsigned m_begun = 0;
     std::map<QString, unsigned> m_turns; // which beginning of a fault is the last
 };

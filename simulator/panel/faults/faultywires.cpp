@@ -12,16 +12,16 @@ constexpr std::uint8_t wrongBit = 0x10;
 
 } // namespace
 
-void FaultyWires::add(const FaultSpec& spec) {
-    remove(spec.name);
+void FaultyWires::add(const FaultOrder& order) {
+    remove(order.name);
     const std::lock_guard lock(m_mutex);
-    m_faults.push_back({spec, std::mt19937(spec.seed), 0});
+    m_faults.push_back({order, std::mt19937(order.seed), 0});
 }
 
 void FaultyWires::remove(const QString& name) {
     const std::lock_guard lock(m_mutex);
     m_faults.erase(std::remove_if(m_faults.begin(), m_faults.end(),
-                                  [&name](const Fault& fault) { return fault.spec.name == name; }),
+                                  [&name](const Fault& fault) { return fault.order.name == name; }),
                    m_faults.end());
 }
 
@@ -40,12 +40,12 @@ void FaultyWires::chipSelect(bool high) {
 bool FaultyWires::losesLevel(const char* line) {
     const std::lock_guard lock(m_mutex);
     const auto fault = std::find_if(m_faults.begin(), m_faults.end(), [](const Fault& candidate) {
-        return candidate.spec.breaks == Breaks::PinsFail;
+        return candidate.order.breaks == Breaks::PinsFail;
     });
     if (fault == m_faults.end()) {
         return false;
     }
-    m_strikes.add(fault->spec.name, QStringLiteral("a level of the %1 line is lost").arg(line));
+    m_strikes.add(fault->order.name, QStringLiteral("a level of the %1 line is lost").arg(line));
     return true;
 }
 
@@ -74,45 +74,45 @@ FaultyWires::Fate FaultyWires::fateOf(std::size_t length) {
 }
 
 void FaultyWires::strike(Fault& fault, std::size_t length, Fate& fate) {
-    const FaultSpec& spec = fault.spec;
-    if (!spec.bursts || length > longestHeader) {
+    const FaultOrder& order = fault.order;
+    if (!order.bursts || length > longestHeader) {
         ++fault.messages;
     } else {
         return;
     }
     const QString message =
         QStringLiteral("message %1, of %2 bytes, ").arg(fault.messages).arg(length);
-    switch (spec.breaks) {
+    switch (order.breaks) {
     case Breaks::BusDead:
         fate.fails = true;
         break;
     case Breaks::BusFailsRandomly:
-        if (fault.random() % everythingPercent >= spec.number) {
+        if (fault.random() % everythingPercent >= order.number) {
             return;
         }
         fate.fails = true;
         break;
     case Breaks::BusFailsAt:
-        if (fault.messages != spec.number) {
+        if (fault.messages != order.number) {
             return;
         }
         fate.fails = true;
         break;
     case Breaks::BusCorrupts:
-        if (fault.messages != spec.number) {
+        if (fault.messages != order.number) {
             return;
         }
         fate.corrupted = true;
-        m_strikes.add(spec.name, message + "is corrupted");
+        m_strikes.add(order.name, message + "is corrupted");
         return;
     case Breaks::BusSlow:
-        fate.delay += spec.time;
-        m_strikes.add(spec.name, message + "comes late, as all that follow");
+        fate.delay += order.time;
+        m_strikes.add(order.name, message + "comes late, as all that follow");
         return;
     default:
         return;
     }
-    m_strikes.add(spec.name, message + "fails");
+    m_strikes.add(order.name, message + "fails");
 }
 
 void FaultyWires::transferCorrupted(const std::uint8_t* sent, std::uint8_t* received,

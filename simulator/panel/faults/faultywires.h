@@ -1,7 +1,7 @@
 #pragma once
 
 #include "board.h"
-#include "faultspec.h"
+#include "faultorder.h"
 #include "strikes.h"
 
 #include <mutex>
@@ -17,7 +17,7 @@ public:
     // Both must outlive the wires.
     FaultyWires(board::Wires& wires, Strikes& strikes) : m_wires(wires), m_strikes(strikes) {}
 
-    void add(const FaultSpec& spec); // of the bus or the pins
+    void add(const FaultOrder& order); // of the bus or the pins
     void remove(const QString& name);
 
     // board::Wires
@@ -27,7 +27,7 @@ public:
 
 private:
     struct Fault {
-        FaultSpec spec;
+        FaultOrder order;
         std::mt19937 random;
         std::uint64_t messages = 0; // that counted, since it began
     };

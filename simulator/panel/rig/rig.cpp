@@ -66,7 +66,7 @@ Rig::Failure Rig::start() {
     if (m_settings.startServer && !m_server.start()) {
         return {ExitStatus::PortTaken, m_server.error()};
     }
-    for (const FaultSpec& fault : m_settings.faults) {
+    for (const FaultOrder& fault : m_settings.faults) {
         m_faults.begin(fault);
     }
     m_timer.start(tickMs);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "faultspec.h"
+#include "faultorder.h"
 #include "generation.h"
 #include "serverthread.h"
 #include "virtualboard.h"
@@ -38,9 +38,9 @@ struct Settings {
     QString trace;           // file; empty: none
     bool traceIsVcd = false; // otherwise text
     bool statistics = false;
-    bool inspect = false;          // answer what is asked on standard input
-    double speed = 1;              // of the panel's time beside the clock's
-    std::vector<FaultSpec> faults; // that are on from the start
+    bool inspect = false;           // answer what is asked on standard input
+    double speed = 1;               // of the panel's time beside the clock's
+    std::vector<FaultOrder> faults; // that are on from the start
 
     std::optional<quint16> remotePort; // where VNC viewers find the panel; none: nowhere; 0: any
     QString remoteAddress;             // an IP address of this machine

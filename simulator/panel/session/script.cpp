@@ -1,7 +1,7 @@
 #include "script.h"
 
 #include "command.h"
-#include "faultspec.h"
+#include "faultorder.h"
 #include "ordercheck.h"
 
 #include <algorithm>

@@ -29,8 +29,8 @@ void FaultMenu::choose(const QString& name, bool on) {
         return;
     }
     QString error;
-    if (const auto spec = parseFaultSpec({name}, &error)) {
-        m_faults.begin(*spec);
+    if (const auto order = parseFaultOrder({name}, &error)) {
+        m_faults.begin(*order);
     }
     showActive();
 }

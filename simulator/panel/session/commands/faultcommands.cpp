@@ -29,11 +29,11 @@ ActionPtr parseFault(ScriptLine& line) {
         return make<FaultOff>(line.atEnd() ? QString() : takeFaultName(line));
     }
     QString error;
-    const auto spec = parseFaultSpec(line.rest(QStringLiteral("the fault")), &error);
-    if (!spec) {
+    const auto order = parseFaultOrder(line.rest(QStringLiteral("the fault")), &error);
+    if (!order) {
         line.fail(error);
     }
-    return make<FaultOn>(spec.value_or(FaultSpec()));
+    return make<FaultOn>(order.value_or(FaultOrder()));
 }
 
 bool takeState(ScriptLine& line, const char* good, const char* bad) {
@@ -78,7 +78,7 @@ Progress ServerFault::play(Stage& stage) const {
 }
 
 Progress FaultOn::play(Stage& stage) const {
-    stage.rig().faults().begin(spec);
+    stage.rig().faults().begin(order);
     return Progress::Done;
 }
 

@@ -2,7 +2,7 @@
 
 #include "command.h"
 #include "fault.h"
-#include "faultspec.h"
+#include "faultorder.h"
 
 namespace panel::script {
 
@@ -17,10 +17,10 @@ struct ServerFault : Action {
 };
 
 struct FaultOn : Action { // any of the table
-    explicit FaultOn(FaultSpec asked) : spec(std::move(asked)) {}
+    explicit FaultOn(FaultOrder asked) : order(std::move(asked)) {}
     Progress play(Stage& stage) const override;
 
-    const FaultSpec spec;
+    const FaultOrder order;
 };
 
 struct FaultOff : Action { // without a name, of all that are on

@@ -46,9 +46,9 @@ protected:
 
     void begin(const QString& text) {
         QString error;
-        const auto spec = parseFaultSpec(text.split(' '), &error);
-        ASSERT_TRUE(spec) << error.toStdString();
-        faults.begin(*spec);
+        const auto order = parseFaultOrder(text.split(' '), &error);
+        ASSERT_TRUE(order) << error.toStdString();
+        faults.begin(*order);
     }
 
     std::vector<std::string> active() const {

@@ -13,10 +13,10 @@ class FaultyWiresTest : public testing::Test {
 protected:
     void add(const QString& text) {
         QString error;
-        const auto spec = parseFaultSpec(text.split(' '), &error);
-        ASSERT_TRUE(spec) << error.toStdString();
-        m_strikes.begin(spec->name, spec->text);
-        m_wires.add(*spec);
+        const auto order = parseFaultOrder(text.split(' '), &error);
+        ASSERT_TRUE(order) << error.toStdString();
+        m_strikes.begin(order->name, order->text);
+        m_wires.add(*order);
     }
 
     // Whether a message of so many bytes, all 0xAA, gets through.

@@ -366,8 +366,8 @@ TEST(Script, HelpHasAnEntryForEachCommandWithItsTextInAColumn) {
 }
 
 TEST(Script, BreaksAndMends) {
-    EXPECT_EQ(only<FaultOn>("fault bus-slow 7ms")->spec.time.count(), 7);
-    EXPECT_EQ(only<FaultOn>("fault server-late 70ms for DATA? after 2s")->spec.rule.command,
+    EXPECT_EQ(only<FaultOn>("fault bus-slow 7ms")->order.time.count(), 7);
+    EXPECT_EQ(only<FaultOn>("fault server-late 70ms for DATA? after 2s")->order.rule.command,
               "DATA?");
     EXPECT_EQ(only<FaultOff>("fault off")->name, "");
     EXPECT_EQ(only<FaultOff>("fault off bus-slow")->name, "bus-slow");

@@ -47,7 +47,7 @@ TEST_F(FaultMenuTest, ChoosingAFaultTurnsItOnAndOff) {
 
 TEST_F(FaultMenuTest, ShowsWhatAScriptHasBroken) {
     QString error;
-    faults.begin(*parseFaultSpec({"bus-slow", "7ms"}, &error));
+    faults.begin(*parseFaultOrder({"bus-slow", "7ms"}, &error));
     EXPECT_TRUE(action("bus-slow")->isChecked());
     action("Mend all")->trigger();
     EXPECT_FALSE(action("bus-slow")->isChecked());

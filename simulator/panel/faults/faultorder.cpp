@@ -1,4 +1,4 @@
-#include "faultspec.h"
+#include "faultorder.h"
 
 #include "duration.h"
 
@@ -53,30 +53,30 @@ struct OwnFault {
     const char* name;
     const char* arguments;
     const char* help;
-    void (*read)(Arguments& arguments, FaultSpec& spec);
+    void (*read)(Arguments& arguments, FaultOrder& order);
 };
 
-void readNothing(Arguments& /*arguments*/, FaultSpec& /*spec*/) {}
+void readNothing(Arguments& /*arguments*/, FaultOrder& /*order*/) {}
 
-void readMessage(Arguments& arguments, FaultSpec& spec) {
-    spec.bursts = arguments.keyword("burst");
-    arguments.number(spec.number, 1, UINT32_MAX);
+void readMessage(Arguments& arguments, FaultOrder& order) {
+    order.bursts = arguments.keyword("burst");
+    arguments.number(order.number, 1, UINT32_MAX);
 }
 
-void readChance(Arguments& arguments, FaultSpec& spec) {
-    arguments.number(spec.number, 1, everythingPercent);
-    arguments.number(spec.seed, 0, UINT32_MAX);
+void readChance(Arguments& arguments, FaultOrder& order) {
+    arguments.number(order.number, 1, everythingPercent);
+    arguments.number(order.seed, 0, UINT32_MAX);
 }
 
-void readId(Arguments& arguments, FaultSpec& spec) {
-    spec.word = foreignChipId;
-    arguments.number(spec.word, 0, UINT32_MAX, 16);
+void readId(Arguments& arguments, FaultOrder& order) {
+    order.word = foreignChipId;
+    arguments.number(order.word, 0, UINT32_MAX, 16);
 }
 
 template<int Default>
-void readTime(Arguments& arguments, FaultSpec& spec) {
-    spec.time = milliseconds(Default);
-    arguments.time(spec.time);
+void readTime(Arguments& arguments, FaultOrder& order) {
+    order.time = milliseconds(Default);
+    arguments.time(order.time);
 }
 
 const OwnFault ownFaults[] = {
@@ -157,20 +157,20 @@ QString wrapped(const QString& text) {
     return lines;
 }
 
-bool readOwn(const QStringList& words, FaultSpec& spec) {
+bool readOwn(const QStringList& words, FaultOrder& order) {
     const auto* const own =
         std::find_if(std::begin(ownFaults), std::end(ownFaults),
-                     [&spec](const OwnFault& fault) { return spec.name == fault.name; });
+                     [&order](const OwnFault& fault) { return order.name == fault.name; });
     Arguments arguments(words.mid(1));
-    own->read(arguments, spec);
+    own->read(arguments, order);
     return arguments.areGood();
 }
 
-bool readServers(QStringList words, FaultSpec& spec) {
+bool readServers(QStringList words, FaultOrder& order) {
     words.first().remove(0, serverPrefix.size());
     QString error;
     const auto rule = server::parseFault(words, &error);
-    spec.rule = rule.value_or(spec.rule);
+    order.rule = rule.value_or(order.rule);
     return rule.has_value();
 }
 
@@ -189,28 +189,29 @@ QStringList faultNames() {
     return names;
 }
 
-std::optional<FaultSpec> parseFaultSpec(const QStringList& words, QString* error) {
-    FaultSpec spec;
-    spec.text = words.join(' ');
+std::optional<FaultOrder> parseFaultOrder(const QStringList& words, QString* error) {
+    FaultOrder order;
+    order.text = words.join(' ');
     QStringList rest = words;
-    const bool delayIsGood = takeDelay(rest, spec.after);
-    spec.name = rest.value(0);
-    const auto entry =
-        std::find_if(faultTable().begin(), faultTable().end(),
-                     [&spec](const FaultEntry& candidate) { return candidate.name == spec.name; });
+    const bool delayIsGood = takeDelay(rest, order.after);
+    order.name = rest.value(0);
+    const auto entry = std::find_if(
+        faultTable().begin(), faultTable().end(),
+        [&order](const FaultEntry& candidate) { return candidate.name == order.name; });
     if (entry == faultTable().end()) {
         *error = QStringLiteral("there is no fault \"%1\"; there is %2")
-                     .arg(spec.name, faultNames().join(QStringLiteral(", ")));
+                     .arg(order.name, faultNames().join(QStringLiteral(", ")));
         return std::nullopt;
     }
-    spec.breaks = entry->breaks;
-    const bool good = spec.breaks == Breaks::Server ? readServers(rest, spec) : readOwn(rest, spec);
+    order.breaks = entry->breaks;
+    const bool good =
+        order.breaks == Breaks::Server ? readServers(rest, order) : readOwn(rest, order);
     if (!good || !delayIsGood) {
         *error = QStringLiteral("it is written \"%1 [after TIME]\", not \"%2\"")
-                     .arg(QString(entry->name + ' ' + entry->arguments).trimmed(), spec.text);
+                     .arg(QString(entry->name + ' ' + entry->arguments).trimmed(), order.text);
         return std::nullopt;
     }
-    return spec;
+    return order;
 }
 
 QString faultHelp() {

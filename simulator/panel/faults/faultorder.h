@@ -33,8 +33,9 @@ enum class Breaks : std::uint8_t {
 
 constexpr unsigned everythingPercent = 100;
 
-// A fault, and what is to be known of it. What does not concern it is not looked at.
-struct FaultSpec {
+// A fault as somebody has ordered it, and what is to be known of it. What does not concern it is
+// not looked at.
+struct FaultOrder {
     Breaks breaks = Breaks::BusDead;
     QString name;                      // as in the table
     QString text;                      // as it was asked for
@@ -66,7 +67,7 @@ struct FaultEntry {
 const std::vector<FaultEntry>& faultTable();
 
 // Reads "NAME [ARGUMENT]... [after TIME]"; nothing if that is no fault, and `error` says why.
-std::optional<FaultSpec> parseFaultSpec(const QStringList& words, QString* error);
+std::optional<FaultOrder> parseFaultOrder(const QStringList& words, QString* error);
 
 QStringList faultNames();
 // One line for each, for help texts.
