@@ -48,12 +48,13 @@ preparation() {
 everyday() {
     stage "Style" packaging/check-style.sh
     stage "Build, sanitizers" build debug unit_tests
-    stage "Build, as shipped" build release system_tests
-    stage "System tests" --beside --needs "Build, as shipped" \
-        --ctest build/test-logs/system.xml ctest --preset system --parallel "$system_jobs" \
-        --output-junit "$PWD/build/test-logs/system.xml"
     stage "Unit tests, sanitizers" --needs "Build, sanitizers" \
         --results build/debug/test-results ctest --preset unit --parallel "$unit_jobs"
+    stage "Build, as shipped" build release system_tests
+    # By themselves: what the program does with a server that answers late is its own affair.
+    stage "System tests" --needs "Build, as shipped" \
+        --ctest build/test-logs/system.xml ctest --preset system --parallel "$system_jobs" \
+        --output-junit "$PWD/build/test-logs/system.xml"
 }
 
 slow() {
