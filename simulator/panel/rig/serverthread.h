@@ -19,7 +19,8 @@ struct ServerPlace {
 };
 
 // The measurement server on a thread of its own, so that its replies are never late because of
-// the drawing of a picture or the like. To be used from the thread it was created on.
+// the drawing of a picture or the like, nor, where the system allows it, because of what else the
+// machine does. To be used from the thread it was created on.
 class ServerThread : public QObject {
     Q_OBJECT
 

@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <sys/resource.h>
+
 namespace panel {
 namespace {
 
@@ -37,6 +40,22 @@ TEST_F(ServerThreadTest, AnswersWhileThisThreadIsBusy) {
     QTcpSocket socket;
     connectTo(socket);
     EXPECT_EQ(ask(socket, "START 1\n"), "Ok\n");
+}
+
+TEST_F(ServerThreadTest, GoesBeforeOthersWhereTheSystemAllowsIt) {
+    int possible = 0;
+    const int own = getpriority(PRIO_PROCESS, 0);
+    const std::unique_ptr<QThread> other(QThread::create([&possible] {
+        setpriority(PRIO_PROCESS, 0, -10);
+        possible = getpriority(PRIO_PROCESS, 0);
+    }));
+    other->start();
+    other->wait();
+    int servers = 0;
+    m_server.apply(
+        [&servers](server::MeasurementServer&) { servers = getpriority(PRIO_PROCESS, 0); });
+    EXPECT_EQ(servers, possible);
+    EXPECT_EQ(getpriority(PRIO_PROCESS, 0), own) << "this thread stays as it was";
 }
 
 TEST_F(ServerThreadTest, TellsOfRequestsAndConnections) {
