@@ -41,8 +41,8 @@ if [ "${1:-}" != --report ]; then
     cmake --preset coverage -DFRONTPANEL_COVERAGE_SIMULATOR=$simulator >$build/configure.log 2>&1 || could_not_run "see $build/configure.log."
     cmake --build --preset coverage --target "${targets[@]}"
     find $build -name '*.gcda' -delete
-    ctest --preset coverage --tests-regex "$tests_of_these" --parallel $((4 * $(nproc))) --quiet \
-        --output-log "$PWD/$build/tests.log" || tests=failed
+    ctest --preset coverage --label-regex '^(unit|system)$' --tests-regex "$tests_of_these" \
+        --parallel $((4 * $(nproc))) --quiet --output-log "$PWD/$build/tests.log" || tests=failed
 fi
 [ -n "$(find $build -name '*.gcda' -print -quit)" ] || could_not_run "no test has counted anything."
 
