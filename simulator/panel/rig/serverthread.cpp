@@ -1,17 +1,17 @@
 #include "serverthread.h"
 
-#include <sys/resource.h>
+#include <sched.h>
 
 namespace panel {
 
 namespace {
 
-constexpr int niceness = -10;
-
 // The instrument's server has a processor of its own, and the application waits 50 ms for a reply:
 // on a busy machine the server goes before everything else, where the system allows that (to root).
 void goFirst() {
-    setpriority(PRIO_PROCESS, 0, niceness); // of this thread alone
+    sched_param priority{};
+    priority.sched_priority = 1;
+    sched_setscheduler(0, SCHED_RR | SCHED_RESET_ON_FORK, &priority); // this thread alone
 }
 
 } // namespace

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <sys/resource.h>
+#include <sched.h>
 
 namespace panel {
 namespace {
@@ -43,19 +43,18 @@ TEST_F(ServerThreadTest, AnswersWhileThisThreadIsBusy) {
 }
 
 TEST_F(ServerThreadTest, GoesBeforeOthersWhereTheSystemAllowsIt) {
-    int possible = 0;
-    const int own = getpriority(PRIO_PROCESS, 0);
+    bool possible = false;
     const std::unique_ptr<QThread> other(QThread::create([&possible] {
-        setpriority(PRIO_PROCESS, 0, -10);
-        possible = getpriority(PRIO_PROCESS, 0);
+        sched_param priority{};
+        priority.sched_priority = 1;
+        possible = sched_setscheduler(0, SCHED_RR, &priority) == 0;
     }));
     other->start();
     other->wait();
-    int servers = 0;
-    m_server.apply(
-        [&servers](server::MeasurementServer&) { servers = getpriority(PRIO_PROCESS, 0); });
-    EXPECT_EQ(servers, possible);
-    EXPECT_EQ(getpriority(PRIO_PROCESS, 0), own) << "this thread stays as it was";
+    int policy = 0;
+    m_server.apply([&policy](server::MeasurementServer&) { policy = sched_getscheduler(0); });
+    EXPECT_EQ(policy, possible ? SCHED_RR | SCHED_RESET_ON_FORK : SCHED_OTHER);
+    EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER) << "this thread stays as it was";
 }
 
 TEST_F(ServerThreadTest, TellsOfRequestsAndConnections) {
