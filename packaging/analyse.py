@@ -58,23 +58,24 @@ class Fingerprints:
 
 class Unit:
     """What is analysed in one go: a source, or several of a folder with a file that includes them,
-    made below `stamps`."""
+    made below `stamps`. Those that are `known` already are left out."""
 
-    def __init__(self, entry, stamps):
+    def __init__(self, entry, stamps, build, known):
         self.file = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
         self.sources = [os.path.relpath(self.file, ROOT)]
         self.entry = entry | {"command": FOREIGN_PRECOMPILED.sub("", entry["command"])}
         if at_once := AT_ONCE.search(self.file):
-            self._gather(at_once, stamps)
+            self._gather(at_once, stamps, build, known)
 
-    def _gather(self, at_once, stamps):
+    def _gather(self, at_once, stamps, build, known):
         with open(self.file, encoding="utf-8") as file:
             members = [os.path.relpath(member, ROOT) for member in MEMBER.findall(file.read())]
+        members = [member for member in members if member not in known] or members
         self.sources = [member for member in members if member not in GENERATED] or members
         # In a folder where the same .clang-tidy files count: copies of these stand there. By this
         # name clang's analyzer knows that what is included are sources.
         folder = os.path.dirname(self.sources[0])
-        name = f"UnifiedSource_{at_once['target']}_{at_once['number']}.cpp"
+        name = f"UnifiedSource_{build}_{at_once['target']}_{at_once['number']}.cpp"
         file = os.path.join(stamps, folder, name)
         write(file, "".join(f'#include "{os.path.join(ROOT, each)}"\n' for each in self.sources))
         self.entry["command"] = self.entry["command"].replace(self.entry["file"], file)
@@ -96,8 +97,9 @@ def units(builds, stamps):
     found = {}
     for build in builds:
         with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
-            entries = [Unit(entry, stamps) for entry in json.load(file)]
-        for unit in entries:
+            entries = json.load(file)
+        for entry in entries:
+            unit = Unit(entry, stamps, os.path.basename(build), found)
             if unit.is_ours() and not any(source in found for source in unit.sources):
                 found.update(dict.fromkeys(unit.sources, unit))
     return {source: found[source] for source in sorted(found)}
