@@ -153,12 +153,42 @@ def stages(checks):
     return [group for group in ([own[0]], own[1:], others) if group]
 
 
+class Favourites:
+    """The tests that noticed mutants of a file: likely to notice its next one, too."""
+
+    MOST = 12
+
+    def __init__(self):
+        self.check = {}  # file -> the program
+        self._tests = {}  # file and program -> names, the latest first
+
+    def tests(self, file, check):
+        return self._tests.get((file, check.name), [])
+
+    def add(self, file, check, test):
+        self.check[file] = check
+        if test:
+            others = [each for each in self.tests(file, check) if each != test]
+            self._tests[file, check.name] = [test, *others][:self.MOST]
+
+
+def run_check(workshop, check, file, favourites):
+    """The outcome; the favourites come before the rest."""
+    likely = favourites.tests(file, check)
+    outcome = workshop.run(check, tests=likely) if likely else "passed"
+    if outcome == "passed":
+        outcome = workshop.run(check)
+    if outcome != "passed":
+        favourites.add(file, check, workshop.failed_test())
+    return outcome
+
+
 def try_mutant(workshop, mutant, favourites):
     """(verdict, the check that noticed)"""
     checks = workshop.checks_of(mutant.file)
     if not checks:
         raise Mistake(f"{mutant.file}: no test program is made of it")
-    favourite = favourites.get(mutant.file)
+    favourite = favourites.check.get(mutant.file)
     if favourite in checks and favourite.folder == checks[0].folder:
         checks = [favourite] + [check for check in checks if check is not favourite]
     workshop.write(mutant.file, mutant.apply(workshop.read(mutant.file)))
@@ -169,9 +199,8 @@ def try_mutant(workshop, mutant, favourites):
         except subprocess.TimeoutExpired:
             return "did not compile", None
         for check in group:
-            outcome = workshop.run(check)
+            outcome = run_check(workshop, check, mutant.file, favourites)
             if outcome != "passed":
-                favourites[mutant.file] = check
                 return ("killed" if outcome == "failed" else "timed out"), check.name
     return "survived", None
 
@@ -185,7 +214,7 @@ def run_all(workshop, run, mutants, options):
     workshop.synchronise()
     workshop.prepare(sorted({mutant.file for mutant in left}), options)
     ends = time.monotonic() + options.minutes * 60 if options.minutes else None
-    favourites = {}
+    favourites = Favourites()
     for number, mutant in enumerate(left, 1):
         if ends and time.monotonic() > ends:
             print(f"Time is up with {len(left) - number + 1} mutants left; --resume goes on.")
