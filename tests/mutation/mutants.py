@@ -166,7 +166,7 @@ def _at_same_depth(code, start, wanted):
 
 def _statements(source, add):
     for start, end in source.statements:
-        if _is_droppable(source.code[start:end]):
+        if _is_droppable(source.code[start:end]) and not _is_last_of_switch(source.code, start, end):
             lines = source.text.count("\n", start, end)
             add(start, end, ";" + "\n" * lines, "dropped")
 
@@ -180,6 +180,18 @@ def _is_droppable(statement):
         return True
     head, opening, _ = statement.partition("(")
     return bool(opening) and bool(_CALL_HEAD.fullmatch(head)) and statement.endswith(");")
+
+
+def _is_last_of_switch(code, start, end):
+    """A break that leads where the statements go anyway."""
+    if code[start:end] != "break;" or not code[end:].lstrip().startswith("}"):
+        return False
+    depth = 0
+    at = start
+    while depth >= 0 and at > 0:
+        at -= 1
+        depth += (code[at] == "}") - (code[at] == "{")
+    return re.search(r"\bswitch\s*\([^;{}]*\)\s*$", code[:at]) is not None
 
 
 def _arguments(source, add):

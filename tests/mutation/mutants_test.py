@@ -64,6 +64,13 @@ class FindMutants(unittest.TestCase):
         self.assertEqual(after(in_function("    switch (a) {\n    case B: c();\n    }"), "dropped"),
                          ["case B: ;"])
 
+    def test_keeps_the_break_at_the_end_of_a_switch(self):
+        statements = ("    switch (a(b)) {\n    case B:\n        if (c) {\n            break;\n        }\n"
+                      "        break;\n    default:\n        break;\n    }\n    while (a) {\n        break;\n    }\n")
+        lines = [mutant.line for mutant in find_mutants("some.cpp", in_function(statements))
+                 if mutant.kind == "dropped"]
+        self.assertEqual(lines, [5, 7, 12])
+
     def test_drops_statements_in_lambdas(self):
         self.assertEqual(after(in_function("    const auto a = [&] {\n        b = 1;\n    };"),
                                "dropped"), [";"])

@@ -194,7 +194,7 @@ def try_mutant(workshop, mutant, favourites):
     workshop.write(mutant.file, mutant.apply(workshop.read(mutant.file)))
     for group in stages(checks):
         try:
-            if not workshop.builds(sorted({each for check in group for each in check.targets})):
+            if not workshop.builds_mutant(sorted({each for check in group for each in check.targets})):
                 return "did not compile", None
         except subprocess.TimeoutExpired:
             return "did not compile", None

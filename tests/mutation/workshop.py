@@ -47,6 +47,7 @@ class Workshop:
         self.root = root
         self.base = os.path.join(root, "build", "mutation")
         self.tree = os.path.join(self.base, "tree")
+        self.at_once = False  # whether several sources are compiled at once
         self.build_tree = os.path.join(self.base, "build")
         self.log = os.path.join(self.base, "last.log")
         self.checks = []
@@ -110,6 +111,8 @@ class Workshop:
                    # under which the tests run otherwise, this one costs next to nothing.
                    "-DCMAKE_CXX_FLAGS=-w -fsanitize=bounds -fsanitize-undefined-trap-on-error",
                    "-DFRONTPANEL_SANITIZE=OFF", "-DFRONTPANEL_BENCH=OFF"]
+        if self.at_once:
+            command.append("-DFRONTPANEL_UNITY=application;simulator;tests")
         if shutil.which("mold"):
             command.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold")
         if shutil.which("ccache"):
@@ -117,11 +120,19 @@ class Workshop:
         if self._run(command, None) != 0:
             raise Broken(f"the build cannot be configured: see {self.log}")
 
-    def builds(self, targets, limit=BUILD_LIMIT):
-        return self._run(["ninja", "-C", self.build_tree, *targets], limit) == 0
+    def builds(self, targets, limit=BUILD_LIMIT, environment=None):
+        return self._run(["ninja", "-C", self.build_tree, *targets], limit, environment) == 0
+
+    def builds_mutant(self, targets):
+        """Past the compiler's cache: nobody compiles this again."""
+        return self.builds(targets, environment={"CCACHE_DISABLE": "1"})
 
     def prepare(self, files, options):
         """Builds all that the files have a part in, finds the checks and how long each takes."""
+        # A change of a header compiles all that include it: sooner done at once, in a tree of its own.
+        self.at_once = all(file.endswith(".h") for file in files)
+        if self.at_once:
+            self.build_tree = os.path.join(self.base, "build-at-once")
         self.configure()
         programs = self._programs_of(files)
         if options.own:
@@ -156,7 +167,7 @@ class Workshop:
             name = os.path.basename(program)
             home = re.search(rf"^tests/(.+)/CMakeFiles/{name}\.dir/", inputs, re.M)
             self._folders[program] = home.group(1) if home else ""
-            for path in inputs.split("\n"):
+            for path in (each for line in inputs.split("\n") for each in self._sources_in(line)):
                 if path.startswith(self.tree + os.sep):
                     source = os.path.relpath(path, self.tree)
                     self._users.setdefault(source, set()).add(program)
@@ -165,6 +176,13 @@ class Workshop:
             for source in self._includers(file) if file.endswith(".h") else [file]:
                 wanted |= self._users.get(source, set())
         return {program for program in wanted if program.endswith("_test")}
+
+    def _sources_in(self, path):
+        """What is compiled with this input of the build: itself, or several sources at once."""
+        if not path.endswith("_cxx.cxx"):
+            return [path]
+        with open(os.path.join(self.build_tree, path), encoding="utf-8") as group:
+            return re.findall(r'^#include "([^"]+)"', group.read(), re.M)
 
     def _includers(self, header):
         """The .cpp files that include a header, by way of others too. Headers go by their name
