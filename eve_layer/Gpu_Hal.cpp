@@ -260,7 +260,7 @@ void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
     case GPU_81X_PLL_DEFAULT:
         return Gpu_HostCommand_Ext3(0x0061);
     default:
-        return;
+        break;
     }
 }
 

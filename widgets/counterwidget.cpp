@@ -161,9 +161,9 @@ void CounterWidget::buttonReleased(int tag) {
         } else {
             emit stop();
         }
-        FTWidget::buttonReleased(tag);
         break;
     default:
-        FTWidget::buttonReleased(tag);
+        break;
     }
+    FTWidget::buttonReleased(tag);
 }

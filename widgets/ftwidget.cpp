@@ -74,15 +74,11 @@ void FTWidget::loop() {
 
 void FTWidget::processTouch() {
     const int tag = readTouchTag(m_host);
-    switch (touchChange(m_pressedTag, tag)) {
-    case TouchChange::Press:
+    const TouchChange change = touchChange(m_pressedTag, tag);
+    if (change == TouchChange::Press) {
         buttonPressed(tag);
-        break;
-    case TouchChange::Release:
+    } else if (change == TouchChange::Release) {
         buttonReleased(m_pressedTag);
-        break;
-    case TouchChange::None:
-        break;
     }
     m_pressedTag = tag;
 }

@@ -208,7 +208,6 @@ void PNRWidget::buttonReleased(int tag) {
         } else {
             emit stop();
         }
-        FTWidget::buttonReleased(tag);
         break;
     case otherScreenButton.tag:
         emit gotoCounts();
@@ -220,9 +219,9 @@ void PNRWidget::buttonReleased(int tag) {
         break;
     case modeButton.tag:
         m_accumulate = !m_accumulate;
-        FTWidget::buttonReleased(tag);
         break;
     default:
-        FTWidget::buttonReleased(tag);
+        break;
     }
+    FTWidget::buttonReleased(tag);
 }
