@@ -3,6 +3,7 @@
 #include "e3addresses.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <numeric>
@@ -346,6 +347,19 @@ TEST_F(AppCommonTest, TouchUpdateAndReadTagRememberTheirTagsApart) {
     board.poke(regTouchTag, 0);
     EXPECT_EQ(App_Read_Tag(&host), 0);
     EXPECT_EQ(App_Touch_Update(&host, &tag, &x, &y), 4);
+}
+
+// In a process of its own, in which nothing has been polled before.
+TEST_F(AppCommonTest, NothingIsReleasedAtTheFirstPoll) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto pollOnce = [this] {
+        board.poke(regTouchTag, 0);
+        uint8_t tag = 0;
+        uint16_t x = 0;
+        uint16_t y = 0;
+        std::exit(App_Read_Tag(&host) + App_Touch_Update(&host, &tag, &x, &y));
+    };
+    EXPECT_EXIT(pollOnce(), testing::ExitedWithCode(0), "");
 }
 
 // --- sound

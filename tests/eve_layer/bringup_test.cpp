@@ -178,6 +178,8 @@ TEST_F(BringupTest, CalibrationShowsItsRequestAndWaitsForTheCoprocessor) {
                             0x61656C50, 0x74206573, 0x6F207061, 0x2061206E, 0x00746F64, 0xFFFFFF15,
                             0));
     EXPECT_EQ(board.transactions().back(), Transaction::read16(0x3020FC, 52));
+    EXPECT_EQ(board.transactions(Transaction::Read, 0x3020FC).size(), 2U)
+        << "flushed, then drained";
     EXPECT_EQ(CmdBuffer_Index, 0U);
 }
 

@@ -471,6 +471,7 @@ TEST_F(GpuHalCommandFifo, FreeSpaceKeepsOneWordBack) {
     EXPECT_EQ(freeSpace(12, 8), 4088);
     EXPECT_EQ(freeSpace(0, 4), 0);
     EXPECT_EQ(freeSpace(4, 4092), 4084);
+    EXPECT_EQ(freeSpace(8, 0xFFF), 4083) << "where a stopped coprocessor's offset stands";
 }
 
 TEST_F(GpuHalCommandFifo, FreeSpaceIsOneRead) {
@@ -786,6 +787,25 @@ TEST_F(GpuHalRing, AWriteUpToTheEndContinuesAtTheStart) {
                             Transaction::write32(writeRegister, 0)));
 }
 
+TEST_F(GpuHalRing, AWriteThatGoesRoundByOneByteKeepsIt) {
+    std::vector<uint8_t> bytes = countingBytes(5);
+    setOffsets(1020, 512);
+    EXPECT_EQ(Fifo_Write(&host, &fifo, bytes.data(), 5), 5U);
+    EXPECT_THAT(board.transactions(Transaction::Write),
+                ElementsAre(Transaction::write(base + 1020, slice(bytes, 0, 4)),
+                            Transaction::write(base, slice(bytes, 4, 5)),
+                            Transaction::write32(writeRegister, 1)));
+}
+
+TEST_F(GpuHalRing, AWriteThatJustFitsLooksOnce) {
+    std::vector<uint8_t> bytes = countingBytes(4);
+    setOffsets(100, 108);
+    EXPECT_EQ(Fifo_Write(&host, &fifo, bytes.data(), 4), 4U);
+    EXPECT_THAT(board.transactions(), ElementsAre(Transaction::read32(readRegister, 108),
+                                                  Transaction::write(base + 100, bytes),
+                                                  Transaction::write32(writeRegister, 104)));
+}
+
 TEST_F(GpuHalRing, WritesNoMoreThanFits) {
     std::vector<uint8_t> bytes = countingBytes(10);
     setOffsets(100, 108);
@@ -829,6 +849,18 @@ TEST_F(GpuHalRing, WriteWaitWritesEverythingAsRoomAppears) {
                             Transaction::write(base + 106, slice(bytes, 6, 10)),
                             Transaction::write32(writeRegister, 110)));
     EXPECT_EQ(board.sleptMs(), 0U);
+}
+
+TEST_F(GpuHalRing, WriteWaitWritesALastByte) {
+    std::vector<uint8_t> bytes = countingBytes(5);
+    fifo.write_offset = 100;
+    board.queueReads(readRegister, {108, 108, 200, 200});
+    Fifo_WriteWait(&host, &fifo, bytes.data(), 5);
+    EXPECT_THAT(board.transactions(Transaction::Write),
+                ElementsAre(Transaction::write(base + 100, slice(bytes, 0, 4)),
+                            Transaction::write32(writeRegister, 104),
+                            Transaction::write(base + 104, slice(bytes, 4, 5)),
+                            Transaction::write32(writeRegister, 105)));
 }
 
 TEST_F(GpuHalRing, WriteWaitOfMoreThanTheRingHolds) {

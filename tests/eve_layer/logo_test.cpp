@@ -1,5 +1,6 @@
 #include "App_Common.h"
 #include "CoPro_Cmds.h"
+#include "displaylistwords.h"
 #include "drawingtest.h"
 
 #include <algorithm>
@@ -308,21 +309,64 @@ TEST_F(LogoTest, CanBePlayedAgain) {
     EXPECT_EQ(frames(), first);
 }
 
-// The sizes of the pieces follow the panel.
-TEST_F(LogoTest, FillsAPanel800PixelsWide) {
-    DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_70);
-    App_Show_Logo(&host);
+// A panel as wide as the design, so that every piece shows at its own size.
+class LogoOn800PixelsTest : public LogoTest {
+protected:
+    LogoOn800PixelsTest() {
+        DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_70);
+        App_Show_Logo(&host);
+    }
+    ~LogoOn800PixelsTest() override {
+        DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_43);
+    }
+
+    // The words of the last frame that begin with these bits.
+    static Words ofLastFrame(uint32_t bits, uint32_t mask) {
+        const std::vector<Words> all = frames();
+        const Words& last = all.at(119);
+        Words found;
+        std::copy_if(last.begin(), last.end(), std::back_inserter(found),
+                     [&](uint32_t word) { return (word & mask) == bits; });
+        return found;
+    }
+};
+
+TEST_F(LogoOn800PixelsTest, NothingIsScaled) {
     const std::vector<Words> all = frames();
-    DisplaySettings::getInstance()->setDisplaySize(DisplaySettings::Size_43);
     ASSERT_THAT(all, SizeIs(121));
-    const Words& last = all[119];
-    EXPECT_EQ(last[7], 0x00010000U); // not scaled
-    // Piece 12: 603 x 30 pixels at (190, 119 + 183), its width's upper bits apart.
-    EXPECT_THAT(Words(last.end() - 6, last.end() - 2),
-                ElementsAre(0x0810B61E, 0x28000000, 0x29000004, 0x45F012E0));
-    // Piece 10: a window of 401 x 150 pixels.
-    EXPECT_EQ(last[angleWord - 11], 0x08132296U);
-    EXPECT_EQ(last[angleWord - 9], 0x29000000U);
+    EXPECT_EQ(all[119][7], 0x00010000U);
+}
+
+TEST_F(LogoOn800PixelsTest, EachPieceHasItsSizeAndEndsAtItsPlace) {
+    struct Piece {
+        uint32_t w, h;
+        int32_t x, y;
+    };
+    const std::vector<Piece> pieces = {
+        {74, 145, 54, 48},   {110, 218, 18, 11},  {28, 29, 8, 66},  {28, 29, 8, 145},
+        {30, 28, 29, 45},    {30, 29, 29, 167},   {30, 28, 51, 23}, {30, 28, 51, 189},
+        {28, 28, 73, 1},     {28, 28, 73, 211},   {400, 149, 0, 0}, // the turning one: by its
+                                                                    // transform
+        {194, 120, 597, 47}, {602, 29, 190, 183},
+    };
+    constexpr uint32_t l4 = 2;
+    Words layouts;
+    Words sizes;
+    Words upperSizes;
+    Words places;
+    for (const Piece& piece : pieces) {
+        const uint32_t width = piece.w + 1;
+        layouts.push_back(BITMAP_LAYOUT(l4, piece.w / 2, piece.h));
+        sizes.push_back(BITMAP_SIZE(1, 0, 0, width, piece.h + 1));
+        upperSizes.push_back(0x29000000U | width >> 9 << 2);
+        const bool turning = piece.x == 0;
+        const int32_t top = turning ? 0 : (480 - 242) / 2;
+        places.push_back(VERTEX2F(piece.x * 16, (top + piece.y) * 16));
+    }
+    EXPECT_EQ(ofLastFrame(0x07000000, 0xFF000000), layouts);
+    EXPECT_EQ(ofLastFrame(0x08000000, 0xFF000000), sizes);
+    EXPECT_EQ(ofLastFrame(0x29000000, 0xFF000000), upperSizes);
+    EXPECT_EQ(ofLastFrame(0x40000000, 0xC0000000), places);
 }
 
 } // namespace
