@@ -4,6 +4,9 @@
 #include "paneltimings.h"
 #include "recordingboard.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace {
 
 using testing::ElementsAre;
@@ -35,6 +38,14 @@ TEST(DisplaySettings, LooksUpLiteralsInTheOneInstance) {
     EXPECT_EQ(EVE_REG("__RAM_CMD"), 0x308000U);
     EXPECT_EQ(EVE_REG("__CMD_TEXT"), 0xFFFFFF0CU);
     EXPECT_EQ(EVE_REG("__DispHeight"), 272U);
+}
+
+TEST(DisplaySettings, NumbersGenerationsAndSizesFrom0) {
+    using S = DisplaySettings;
+    EXPECT_EQ((std::vector<uint32_t>{S::EVE_1, S::EVE_2, S::EVE_3}),
+              (std::vector<uint32_t>{0, 1, 2}));
+    EXPECT_EQ((std::vector<uint32_t>{S::Size_35, S::Size_43, S::Size_50, S::Size_70}),
+              (std::vector<uint32_t>{0, 1, 2, 3}));
 }
 
 TEST(DisplaySettings, NamesGenerations) {

@@ -61,6 +61,11 @@ protected:
     }
 };
 
+TEST(FlashStatus, IsZeroWhenAllIsWell) {
+    EXPECT_EQ(static_cast<int>(Flash_Cmd_Ok), 0);
+    EXPECT_EQ(static_cast<int>(Flash_Cmd_Misaligned), 1);
+}
+
 // --- commands
 
 TEST_F(FlashTest, CommandsSendTheirArgumentsInOrder) {

@@ -53,6 +53,35 @@ protected:
     Gpu_Hal_Context_t host;
 };
 
+// ---- What callers are promised ----
+
+TEST(GpuHalNames, StandForTheseNumbers) {
+    using Numbers = std::vector<uint32_t>;
+    EXPECT_EQ((Numbers{GPU_READ, GPU_WRITE}), (Numbers{0, 1}));
+    EXPECT_EQ((Numbers{GPU_TRANSFER_IDLE, GPU_TRANSFER_READING, GPU_TRANSFER_WRITING,
+                       GPU_TRANSFER_CLOSED}),
+              (Numbers{0, 1, 2, 3}));
+    EXPECT_EQ((Numbers{GPU_CLOCK_EXTERNAL, GPU_CLOCK_INTERNAL}), (Numbers{0x44, 0x48}));
+    EXPECT_EQ((Numbers{GPU_PLL_36MHZ, GPU_PLL_48MHZ}), (Numbers{0x61, 0x62}));
+    EXPECT_EQ((Numbers{GPU_POWER_ACTIVE, GPU_POWER_STANDBY, GPU_POWER_SLEEP, GPU_POWER_DOWN}),
+              (Numbers{0x00, 0x41, 0x42, 0x50}));
+    EXPECT_EQ((Numbers{GPU_81X_PLL_DEFAULT, GPU_81X_PLL_24MHZ, GPU_81X_PLL_36MHZ, GPU_81X_PLL_48MHZ,
+                       GPU_81X_PLL_60MHZ, GPU_81X_PLL_72MHZ}),
+              (Numbers{0, 2, 3, 4, 5, 6}));
+    EXPECT_EQ((Numbers{GPU_SPI_SINGLE_CHANNEL, GPU_SPI_DUAL_CHANNEL, GPU_SPI_QUAD_CHANNEL}),
+              (Numbers{0, 1, 2}));
+    EXPECT_EQ((Numbers{GPU_SPI_ONE_DUMMY, GPU_SPI_TWO_DUMMY}), (Numbers{1, 2}));
+}
+
+TEST(GpuHalNames, ANewContextIsIdleAtTheStartOfEverything) {
+    const Gpu_Hal_Context_t fresh;
+    EXPECT_EQ(fresh.cmd_write_offset, 0);
+    EXPECT_EQ(fresh.dl_write_index, 0);
+    EXPECT_EQ(fresh.transfer_state, 0U);
+    EXPECT_EQ(fresh.spi_lanes, 0);
+    EXPECT_EQ(fresh.spi_dummy_count, 1);
+}
+
 // ---- Lifecycle ----
 
 using GpuHalLifecycle = GpuHal;

@@ -1,6 +1,7 @@
 #include "App_Common.h"
 #include "CoPro_Cmds.h"
 #include "displaylistwords.h"
+#include "drawinghelpers.h"
 #include "drawingtest.h"
 
 #include <algorithm>
@@ -281,6 +282,29 @@ TEST_F(LogoTest, TheLastPieceFadesIn) {
     EXPECT_TRUE(std::is_sorted(alphas.begin(), alphas.end()));
 }
 
+// Where a movement is that began at `phase` 0 and takes until 0x10000.
+int movedTo(int phase, int from, int to) {
+    return phase < 0 ? from : phase < 0x10000 ? tween(phase, from, to) : to;
+}
+
+TEST_F(LogoTest, EveryMovementKeepsItsTimeInEveryFrame) {
+    App_Show_Logo(&host);
+    const Words angles = wordOfFrames(angleWord);
+    const Words rightPieces = wordOfFrames(rightPieceVertex);
+    const Words alphas = wordOfFrames(alphaWord);
+    const uint32_t row = rightPieces.at(0) & 0x7FFF;
+    for (int frame = 0; frame < 120; ++frame) {
+        const int t = 550 * frame % 0x10000;
+        const auto i = static_cast<std::size_t>(frame);
+        const int angle = -movedTo(2 * (t - 6553), 0x4000, 0); // from a tenth of the time on
+        EXPECT_EQ(angles.at(i), static_cast<uint32_t>(angle)) << frame;
+        const int right = dc(597) + movedTo(3 * (t - 26214), dc(210), 0); // four tenths
+        EXPECT_EQ(rightPieces.at(i), VERTEX2F(right, static_cast<int>(row))) << frame;
+        const int alpha = movedTo(4 * (t - 49152), 0, 255); // three quarters
+        EXPECT_EQ(alphas.at(i), COLOR_A(static_cast<uint32_t>(alpha))) << frame;
+    }
+}
+
 TEST_F(LogoTest, EveryFrameIsConsumedBeforeTheNextIsSent) {
     App_Show_Logo(&host);
     EXPECT_EQ(board.peek(0x3020F8), board.peek(0x3020FC));
@@ -343,11 +367,20 @@ TEST_F(LogoOn800PixelsTest, EachPieceHasItsSizeAndEndsAtItsPlace) {
         int32_t x, y;
     };
     const std::vector<Piece> pieces = {
-        {74, 145, 54, 48},   {110, 218, 18, 11},  {28, 29, 8, 66},  {28, 29, 8, 145},
-        {30, 28, 29, 45},    {30, 29, 29, 167},   {30, 28, 51, 23}, {30, 28, 51, 189},
-        {28, 28, 73, 1},     {28, 28, 73, 211},   {400, 149, 0, 0}, // the turning one: by its
-                                                                    // transform
-        {194, 120, 597, 47}, {602, 29, 190, 183},
+        {74, 145, 54, 48},
+        {110, 218, 18, 11},
+        {28, 29, 8, 66},
+        {28, 29, 8, 145},
+        {30, 28, 29, 45},
+        {30, 29, 29, 167},
+        {30, 28, 51, 23},
+        {30, 28, 51, 189},
+        {28, 28, 73, 1},
+        {28, 28, 73, 211},
+        {400, 149, 0, 0}, // the turning one: by its
+                          // transform
+        {194, 120, 597, 47},
+        {602, 29, 190, 183},
     };
     constexpr uint32_t l4 = 2;
     Words layouts;
