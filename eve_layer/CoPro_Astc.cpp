@@ -64,7 +64,7 @@ void astc_tile2(uint8_t* src, uint16_t w, uint16_t h, uint32_t size, uint8_t* ds
             }
         }
     }
-    if (h != 1 && h % 2 == 0) {
+    if (h % 2 == 0) {
         return;
     }
     // An odd last row has no partner.

@@ -259,8 +259,6 @@ void Gpu_81X_SelectSysCLK(GPU_81X_PLL_FREQ_T frequency) {
         return Gpu_HostCommand_Ext3(0x0261);
     case GPU_81X_PLL_DEFAULT:
         return Gpu_HostCommand_Ext3(0x0061);
-    default:
-        break;
     }
 }
 

@@ -162,8 +162,6 @@ void CounterWidget::buttonReleased(int tag) {
             emit stop();
         }
         break;
-    default:
-        break;
     }
     FTWidget::buttonReleased(tag);
 }

@@ -220,8 +220,6 @@ void PNRWidget::buttonReleased(int tag) {
     case modeButton.tag:
         m_accumulate = !m_accumulate;
         break;
-    default:
-        break;
     }
     FTWidget::buttonReleased(tag);
 }

@@ -312,6 +312,11 @@ TEST_F(CoProTest, CountArgsCountsPercentSignsButNotDoubledOnesModulo256) {
     }
 }
 
+TEST_F(CoProTest, CountArgsLooksNoFurtherThanTheText) {
+    EXPECT_EQ(COUNT_ARGS("100%\0%d"), 1);
+    EXPECT_EQ(COUNT_ARGS("100%%\0%d"), 0);
+}
+
 using CoProDeathTest = CoProTest;
 
 TEST_F(CoProDeathTest, CountArgsAbortsBeforeEve3) {
