@@ -119,12 +119,28 @@ TEST(DisplaySettings, OverwritesNamesOnTheWayBackToo) {
     EXPECT_EQ(settings[QStringLiteral("__CMD_FLASHREAD")], 0xFFFFFF46U);
 }
 
+// What the table says of a generation or size, as the settings have it.
+template<typename Row>
+std::vector<uint32_t> valuesOf(DisplaySettings& settings, const RegistryTable<Row>& table,
+                               std::size_t variant) {
+    std::vector<uint32_t> values;
+    for (const Row& row : table) {
+        if (row.values.at(variant)) {
+            values.push_back(settings[row.name.toString()]);
+        }
+    }
+    return values;
+}
+
 TEST(DisplaySettings, StoresAnUnknownGenerationAndAssignsNothing) {
     DisplaySettings settings;
+    const std::vector<uint32_t> before =
+        valuesOf(settings, generationTable(), DisplaySettings::EVE_1);
     const auto unknown = static_cast<DisplaySettings::DisplayGeneration>(3);
     settings.setDisplayGeneration(unknown);
     EXPECT_EQ(settings.getDisplayGeneration(), unknown);
     EXPECT_EQ(settings[QStringLiteral("__REG_ID")], 0x102400U);
+    EXPECT_EQ(valuesOf(settings, generationTable(), DisplaySettings::EVE_1), before);
 }
 
 TEST(DisplaySettings, KeepsGenerationAndSizeApart) {

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -58,6 +59,15 @@ TEST_F(DrawingHelpers, AppendDecimalsToAText) {
 TEST_F(DrawingHelpers, AppendTheOutermostNumbers) {
     EXPECT_EQ(appended("", std::numeric_limits<int32_t>::max()), "2147483647");
     EXPECT_EQ(appended("", std::numeric_limits<int32_t>::min()), "-2147483648");
+}
+
+TEST_F(DrawingHelpers, WriteNothingBehindTheEndOfTheText) {
+    std::array<char, 40> buffer{};
+    std::fill(buffer.begin(), buffer.end(), 'x');
+    buffer[0] = '\0';
+    Gpu_Hal_Dec2Ascii(buffer.data(), std::numeric_limits<int32_t>::min());
+    EXPECT_STREQ(buffer.data(), "-2147483648");
+    EXPECT_EQ(buffer[sizeof "-2147483648"], 'x');
 }
 
 // ---- Screen and backlight ----
@@ -235,6 +245,15 @@ TEST_F(DrawingHelpers, TweenEasesOut) {
         EXPECT_GE(value, last);
         last = value;
     }
+}
+
+TEST_F(DrawingHelpers, TweenIsExactToTheLastUnit) {
+    // (0xFFFF - t) cubed, cut to 16 bits after each multiplication, taken from 0xFFFF.
+    EXPECT_EQ(tween(1, 0, 65536), 5);
+    EXPECT_EQ(tween(3, 0, 65536), 11);
+    EXPECT_EQ(tween(0x1234, 0, 65536), 13012);
+    EXPECT_EQ(tween(0x8001, 0, 65536), 57345);
+    EXPECT_EQ(tween(0xFFFE, 0, 65536), 65535);
 }
 
 TEST_F(DrawingHelpers, TweenRoundsDown) {
