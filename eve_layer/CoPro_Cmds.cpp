@@ -56,6 +56,10 @@ uint8_t formatValues(uint16_t options, const char* s) {
     return formats ? COUNT_ARGS(s) : uint8_t{0};
 }
 
+std::size_t sizeWithTerminator(const char* s) {
+    return std::strlen(s) + 1;
+}
+
 // A command that ends in a text: its code and argument words, the text, then `count` words out of
 // `values`. textBytes: what the hooks are told about the text's length.
 void sendTextCommand(Gpu_Hal_Context_t* host, std::initializer_list<uint32_t> words, const char* s,
@@ -102,7 +106,7 @@ void Gpu_CoCmd_Button(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int16_t w, 
     va_start(values, s);
     sendTextCommand(host,
                     {EVE_REG("__CMD_BUTTON"), halves(x, y), halves(w, h), halves(font, options)}, s,
-                    std::strlen(s) + 1, formatValues(options, s), &values);
+                    sizeWithTerminator(s), formatValues(options, s), &values);
     va_end(values);
 }
 
@@ -112,7 +116,7 @@ void Gpu_CoCmd_Toggle(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int16_t w, 
     va_start(values, s);
     sendTextCommand(
         host, {EVE_REG("__CMD_TOGGLE"), halves(x, y), halves(w, font), halves(options, state)}, s,
-        std::strlen(s) + 1, formatValues(options, s), &values);
+        sizeWithTerminator(s), formatValues(options, s), &values);
     va_end(values);
 }
 
@@ -120,7 +124,7 @@ void Gpu_CoCmd_Keys(Gpu_Hal_Context_t* host, int16_t x, int16_t y, int16_t w, in
                     int16_t font, uint16_t options, const char* s) {
     sendTextCommand(host,
                     {EVE_REG("__CMD_KEYS"), halves(x, y), halves(w, h), halves(font, options)}, s,
-                    std::strlen(s) + 1);
+                    sizeWithTerminator(s));
 }
 
 // --- all other commands, in the order of the header

@@ -78,8 +78,8 @@ def sample(mutants, file, options):
     return sorted(picked, key=lambda mutant: (mutant.start, mutant.end))
 
 
-def read_equivalents():
-    """equivalent.txt as (file, before, after) -> reason."""
+def read_equivalents(workshop):
+    """equivalent.txt as (file, before, after) -> reason. Tells of lines that are no longer there."""
     known = {}
     path = os.path.join(HERE, "equivalent.txt")
     with open(path, encoding="utf-8") as listing:
@@ -89,6 +89,11 @@ def read_equivalents():
         if len(lines) < 4 or not lines[1].startswith("- ") or not lines[2].startswith("+ "):
             raise Mistake(f"{path}: not FILE, - BEFORE, + AFTER, reason: {lines}")
         known[lines[0], squeeze(lines[1][2:]), squeeze(lines[2][2:])] = " ".join(lines[3:])
+    sources = {file: squeeze(workshop.read(file)) for file in workshop.files()
+               if file in {entry[0] for entry in known}}
+    for file, before, _ in known:
+        if before not in sources.get(file, ""):
+            print(f"equivalent.txt: {file} no longer has the line\n  - {before}")
     return known
 
 
@@ -302,7 +307,7 @@ def main():
     run = Run(workshop.base)
     if not options.report:
         everything = mutants_for(options, workshop, run)
-        known = read_equivalents()
+        known = read_equivalents(workshop)
         mutants = [mutant for mutant in everything if not is_equivalent(mutant, known)]
         equivalents = len(everything) - len(mutants)
         if options.list:
