@@ -4,6 +4,7 @@
 #include "guardline.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <ostream>
 #include <string>
@@ -349,6 +350,17 @@ TEST_F(CoProTest, ClockSamplingWaitsUntilTheCoprocessorIsDone) {
     const auto last = board.transactions().back();
     EXPECT_EQ(last.kind, Transaction::Read);
     EXPECT_EQ(last.address, 0x3020FCU);
+    EXPECT_EQ(board.transactions(Transaction::Read, 0x3020FC).size(), 2U)
+        << "flushed, then drained";
+}
+
+TEST_F(CoProTest, TheFirstClockSampleGoesToAddress0) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process without samples before
+    const auto sampleOnce = [this] {
+        Set_GpuClock(&host);
+        std::exit(static_cast<int>(board.commandWords().at(2)));
+    };
+    EXPECT_EXIT(sampleOnce(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(CoProTest, ClocksBetweenSamplesAreTheSameWhicheverIsTheNewer) {

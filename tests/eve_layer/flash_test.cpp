@@ -299,6 +299,7 @@ TEST_F(FlashTest, SwitchingFromFullToBasicDetachesUntilItIsDetachedAndThenAttach
     board.queueReads(regFlashStatus, {full, full, full, detached});
     EXPECT_EQ(Gpu_CoCmd_FlashHelper_SwitchState(&host, basic), 0U);
     EXPECT_THAT(board.commandWords(), ElementsAre(detach, detach, detach, attach));
+    EXPECT_EQ(board.transactions(Transaction::Write, regCmdWrite).size(), 4U) << "one at a time";
     EXPECT_EQ(statusReads(), 4U);
 }
 
