@@ -305,13 +305,26 @@ TEST_F(LogoTest, EveryMovementKeepsItsTimeInEveryFrame) {
     }
 }
 
+// How often the FIFO is waited for: after each piece of the picture that it takes, and for the
+// whole picture; for a frame as it is flushed, and once more.
+constexpr std::size_t waitsForThePicture = 3;
+constexpr std::size_t waitsForTheFrames = std::size_t{121} * 2;
+
+std::size_t waitsForTheFifo() {
+    return board.transactions(Transaction::Read, 0x3020FC).size();
+}
+
 TEST_F(LogoTest, EveryFrameIsConsumedBeforeTheNextIsSent) {
     App_Show_Logo(&host);
     EXPECT_EQ(board.peek(0x3020F8), board.peek(0x3020FC));
-    const auto waits = board.transactions(Transaction::Read, 0x3020FC).size();
-    constexpr std::size_t inflating = 3; // after each piece that the FIFO takes, and for the whole
-    constexpr std::size_t aFrame = 2;    // as it is flushed, and for the whole
-    EXPECT_EQ(waits, inflating + 121 * aFrame);
+    EXPECT_EQ(waitsForTheFifo(), waitsForThePicture + waitsForTheFrames);
+}
+
+TEST_F(LogoTest, WhatWasPendingIsSentBeforeTheFirstFrame) {
+    App_WrCoCmd_Buffer(&host, DISPLAY());
+    App_Show_Logo(&host);
+    EXPECT_EQ(board.commandWords().at(inflateWords + streamWords), DISPLAY());
+    EXPECT_EQ(waitsForTheFifo(), waitsForThePicture + 1 + waitsForTheFrames);
 }
 
 TEST_F(LogoTest, LeavesTheScreenClearedAndTheBufferEmpty) {
