@@ -32,6 +32,7 @@ packaging/install-build-packages.sh
 cores=$(nproc)
 unit_jobs=$((cores * 3))
 system_jobs=$((cores * 8))
+fault_jobs=$((cores * 4)) # many of the faults are about the 50 ms that the program gives the server
 fuzz_seconds=60
 soak_time=2m
 
@@ -63,7 +64,7 @@ slow() {
     stage "Unit tests, release" --needs "Build, all of it" \
         --results build/release/test-results ctest --preset release-unit --parallel "$unit_jobs"
     stage "Fault matrix" --needs "Build, all of it" \
-        --ctest build/test-logs/faults.xml ctest --preset faults --parallel "$system_jobs" \
+        --ctest build/test-logs/faults.xml ctest --preset faults --parallel "$fault_jobs" \
         --output-junit "$PWD/build/test-logs/faults.xml"
     stage "Recorded tour" --needs "Build, all of it" --ctest build/test-logs/recorded.xml \
         ctest --preset recorded --output-junit "$PWD/build/test-logs/recorded.xml"
