@@ -106,6 +106,7 @@ void Controller::Chip::setChipSelect(bool high, Nanoseconds now) {
 
 std::uint8_t Controller::Chip::exchange(std::uint8_t sent, Nanoseconds now) {
     advance(now);
+    m_lastByteAt = now;
     std::uint8_t received = m_host.exchange(sent);
     if (!m_answering) {
         received = 0;
@@ -142,13 +143,15 @@ std::size_t Controller::Chip::dummyBytes() const {
 
 // --- power
 
+// At its own pace a host raises chip select right behind the last byte of a command. A board may
+// hear of the level much later, which is no reason for the chip to start late.
 void Controller::Chip::hostCommand(std::uint8_t command, std::uint8_t parameter) {
     if (m_power.isOff()) {
         return;
     }
     switch (command) {
     case hostcommand::active:
-        m_power.active(m_now);
+        m_power.active(m_lastByteAt);
         break;
     case hostcommand::standby:
     case hostcommand::sleep:
@@ -167,9 +170,9 @@ void Controller::Chip::hostCommand(std::uint8_t command, std::uint8_t parameter)
         if (parameter == resetHold) {
             m_power.holdReset();
         } else if (parameter == resetRelease) {
-            m_power.releaseReset(m_now);
+            m_power.releaseReset(m_lastByteAt);
         } else {
-            m_power.reset(m_now);
+            m_power.reset(m_lastByteAt);
         }
         break;
     case hostcommand::externalClock:

@@ -127,6 +127,7 @@ private:
     Generation m_generation;
     Observer* m_observer = nullptr;
     Nanoseconds m_now = 0;
+    Nanoseconds m_lastByteAt = 0; // on the bus
 
     MemoryMap m_memory;
     Registers m_registers;

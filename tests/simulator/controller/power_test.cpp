@@ -51,6 +51,19 @@ TEST_P(PowerOfEveryGeneration, ReadsGiveZeroUntilTheChipIsActiveAndStarted) {
     EXPECT_EQ(host.read8(host.at.id()), 0x7C);
 }
 
+// The board tells of levels when it gets to it; of bytes at once.
+TEST_P(PowerOfEveryGeneration, StartsFromTheBytesOfActiveHoweverLateTheEndOfTheCommandIsHeardOf) {
+    Host host(GetParam());
+    host.chip.setPowerDown(true, host.now);
+    host.chip.setChipSelect(false, host.now);
+    for (int i = 0; i < 3; ++i) {
+        host.chip.exchange(0, host.now);
+    }
+    host.wait(300 * ms);
+    host.chip.setChipSelect(true, host.now);
+    EXPECT_EQ(host.read8(host.at.id()), 0x7C);
+}
+
 TEST_P(PowerOfEveryGeneration, EnginesComeUpAfterMemory) {
     Host host(GetParam());
     host.chip.setPowerDown(true, host.now);
