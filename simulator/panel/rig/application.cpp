@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace panel {
 
@@ -38,7 +39,9 @@ bool Application::start() {
     for (const auto& [name, value] : m_launch.variables) {
         environment.insert(QString::fromStdString(name), QString::fromLocal8Bit(value.c_str()));
     }
-    m_process = std::make_unique<BoundProcess>();
+    auto process = std::make_unique<BoundProcess>();
+    process->setProcessor(m_processor);
+    m_process = std::move(process);
     m_process->setProcessEnvironment(environment);
     m_process->setInputChannelMode(QProcess::ForwardedInputChannel);
     QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, this,

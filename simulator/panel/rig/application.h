@@ -1,6 +1,7 @@
 #pragma once
 
 #include "launch.h"
+#include "sharedprocessor.h"
 
 #include <QObject>
 #include <QString>
@@ -34,6 +35,7 @@ public:
     ~Application() override; // kills it
 
     void setQuiet(bool quiet) { m_quiet = quiet; }
+    void setProcessor(SharedProcessor processor) { m_processor = processor; } // for the next start
 
     // Runs it anew; one that is running is killed first. False when it cannot be started; error()
     // then says why.
@@ -64,6 +66,7 @@ private:
     std::optional<ProcessEnd> m_lastEnd;
     QString m_error;
     bool m_quiet = false;
+    SharedProcessor m_processor;
 };
 
 } // namespace panel

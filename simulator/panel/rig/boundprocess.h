@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sharedprocessor.h"
+
 #include <QProcess>
 
 #include <csignal>
@@ -13,6 +15,9 @@ class BoundProcess : public QProcess {
 public:
     using QProcess::QProcess;
 
+    // From the next start on.
+    void setProcessor(SharedProcessor processor) { m_processor = processor; }
+
 protected:
     // Runs in the child between fork and exec.
     void setupChildProcess() override {
@@ -20,6 +25,7 @@ protected:
         if (getppid() != m_parent) {
             _exit(1); // we died before the line above
         }
+        m_processor.take();
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -27,6 +33,7 @@ protected:
 
 private:
     const pid_t m_parent = getpid();
+    SharedProcessor m_processor;
 };
 
 } // namespace panel

@@ -72,6 +72,11 @@ Rig::Failure Rig::start() {
     m_timer.start(tickMs);
     m_application = std::make_unique<Application>(m_settings.application, m_board->environment());
     m_application->setQuiet(m_settings.quietApplication);
+    if (m_settings.startApplication) { // see ServerThread
+        const SharedProcessor shared = SharedProcessor::ofThisThread();
+        m_application->setProcessor(shared);
+        m_server.shareProcessor(shared);
+    }
     connect(m_application.get(), &Application::wrote, this,
             [this](const QString& line) { m_log.add(line); });
     if (!m_settings.startApplication) {

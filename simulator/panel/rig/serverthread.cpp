@@ -6,8 +6,7 @@ namespace panel {
 
 namespace {
 
-// The instrument's server has a processor of its own, and the application waits 50 ms for a reply:
-// on a busy machine the server goes before everything else, where the system allows that (to root).
+// Before everything else on a busy machine, where the system allows that (to root).
 void goFirst() {
     sched_param priority{};
     priority.sched_priority = 1;
@@ -78,6 +77,10 @@ void ServerThread::stop() {
     });
     m_listening = false;
     emit stateChanged();
+}
+
+void ServerThread::shareProcessor(SharedProcessor processor) {
+    apply([processor](server::MeasurementServer&) { processor.take(); });
 }
 
 void ServerThread::apply(const std::function<void(server::MeasurementServer&)>& action) {

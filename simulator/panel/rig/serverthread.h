@@ -2,6 +2,7 @@
 
 #include "forwarder.h"
 #include "measurementserver.h"
+#include "sharedprocessor.h"
 
 #include <QObject>
 #include <QString>
@@ -21,6 +22,11 @@ struct ServerPlace {
 // The measurement server on a thread of its own, so that its replies are never late because of
 // the drawing of a picture or the like, nor, where the system allows it, because of what else the
 // machine does. To be used from the thread it was created on.
+//
+// The application gives a reply up for lost after 50 ms. Where the server may go before everything
+// else (as root) and shares the application's processor, a request has its reply before the
+// application begins to wait, however busy the machine is, and also if it is a virtual one whose
+// processors stand still for a while, each at its own time.
 class ServerThread : public QObject {
     Q_OBJECT
 
@@ -37,6 +43,8 @@ public:
     bool isListening() const { return m_listening; }
     int connections() const { return m_connections; }
     QString error() const { return m_error; }
+
+    void shareProcessor(SharedProcessor processor); // the application's
 
     // Runs `action` on the simulated server, on its thread, and returns when that is done.
     void apply(const std::function<void(server::MeasurementServer&)>& action);

@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <sys/types.h>
 
 namespace {
@@ -274,6 +275,26 @@ TEST_F(Panelsim, ShowsTheApplicationItsBoard) {
                    {"--no-server", "--board-fault", "no-gpio-export"})
                   .status,
               0);
+}
+
+// So that they stand still together where a processor does, and no reply comes too late for that.
+TEST_F(Panelsim, TheApplicationSharesOneProcessorWithTheServer) {
+    const Outcome ended = play("wait exit 0\n", R"sh(
+        processors() { sed -n 's/^Cpus_allowed_list:\s*//p' "$1/status"; }
+        for thread in /proc/$PPID/task/*; do
+            case "$(cat "$thread/comm")" in
+                "measurement ser"*) echo "server: $(processors "$thread")" ;;
+            esac
+        done
+        echo "itself: $(processors /proc/self)"
+        echo "panelsim: $(processors /proc/$PPID)")sh");
+    std::smatch own;
+    ASSERT_TRUE(std::regex_search(ended.out, own, std::regex(R"(itself: (\d+)\n)"))) << ended.out;
+    expectContains(ended.out, "server: " + own.str(1) + '\n');
+    if (QThread::idealThreadCount() > 1) {
+        EXPECT_EQ(ended.out.find("panelsim: " + own.str(1) + '\n'), std::string::npos)
+            << "the model runs wherever there is room";
+    }
 }
 
 TEST_F(Panelsim, StartsNoApplicationOnRequestButTellsItsEnvironment) {

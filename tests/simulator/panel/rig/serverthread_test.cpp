@@ -57,6 +57,21 @@ TEST_F(ServerThreadTest, GoesBeforeOthersWhereTheSystemAllowsIt) {
     EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER) << "this thread stays as it was";
 }
 
+TEST_F(ServerThreadTest, SharesAProcessorOnRequest) {
+    const auto processors = [] {
+        cpu_set_t set;
+        EXPECT_EQ(sched_getaffinity(0, sizeof set, &set), 0);
+        return set;
+    };
+    const cpu_set_t before = processors();
+    m_server.shareProcessor(SharedProcessor::ofThisThread());
+    cpu_set_t servers;
+    m_server.apply([&](server::MeasurementServer&) { servers = processors(); });
+    EXPECT_EQ(CPU_COUNT(&servers), 1);
+    const cpu_set_t after = processors();
+    EXPECT_TRUE(CPU_EQUAL(&before, &after)) << "this thread stays as it was";
+}
+
 TEST_F(ServerThreadTest, TellsOfRequestsAndConnections) {
     ASSERT_TRUE(m_server.start());
     QSignalSpy requests(&m_server, &ServerThread::requestReceived);
