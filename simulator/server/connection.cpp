@@ -2,6 +2,7 @@
 
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <netinet/in.h>
@@ -12,6 +13,8 @@
 namespace server {
 
 namespace {
+
+constexpr std::chrono::milliseconds delayStep{10};
 
 bool wouldBlock() {
     return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
@@ -59,9 +62,19 @@ void Connection::send(const QByteArray& bytes) {
 
 void Connection::sendLater(const QByteArray& bytes, std::chrono::milliseconds delay) {
     ++m_due;
-    QTimer::singleShot(delay, Qt::PreciseTimer, this, [this, bytes] {
-        --m_due;
-        send(bytes);
+    sendWhenDue(bytes, delay);
+}
+
+// Step by step: where everything on a machine has stood still, only one step is over at once.
+void Connection::sendWhenDue(const QByteArray& bytes, std::chrono::milliseconds delay) {
+    const auto step = std::min(delay, delayStep);
+    QTimer::singleShot(step, Qt::PreciseTimer, this, [this, bytes, rest = delay - step] {
+        if (rest.count() > 0) {
+            sendWhenDue(bytes, rest);
+        } else {
+            --m_due;
+            send(bytes);
+        }
     });
 }
 

@@ -27,7 +27,9 @@ public:
     bool inputEnded() const { return m_inputEnded; }
 
     void send(const QByteArray& bytes);
-    // The same after `delay`. Until then the connection does not close by itself.
+    // The same after `delay`, or as much later as this process stood still meanwhile: who waits for
+    // it on the same machine has had all of that time. Until then the connection does not close by
+    // itself.
     void sendLater(const QByteArray& bytes, std::chrono::milliseconds delay);
 
     // Ends the connection as soon as everything has been sent, also what is due later.
@@ -42,6 +44,7 @@ signals:
 
 private:
     void read();
+    void sendWhenDue(const QByteArray& bytes, std::chrono::milliseconds delay);
     void flush();
     void closeIfDone();
 

@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include <gmock/gmock.h>
@@ -395,6 +396,22 @@ TEST_F(MeasurementServerTest, LateReplyComesAsLateAsTold) {
     timer.start();
     EXPECT_EQ(client.ask("PARAMS?\n"), defaultParams);
     EXPECT_GE(timer.elapsed(), 300);
+}
+
+// A panel that stood still together with the server, as on a machine that others use, has the time
+// to give the reply up.
+TEST_F(MeasurementServerTest, LateReplyIsAsMuchLaterAsTheServerStoodStill) {
+    Client client(server);
+    server.setFault(Fault::Late);
+    QElapsedTimer sinceStandstill;
+    QObject::connect(&server, &MeasurementServer::requestReceived, &server, [&] {
+        QTimer::singleShot(0, &server, [&] {
+            QThread::msleep(100);
+            sinceStandstill.start();
+        });
+    });
+    EXPECT_EQ(client.ask("PARAMS?\n"), defaultParams);
+    EXPECT_GE(sinceStandstill.elapsed(), 80) << "of 100 ms, those behind the step under way";
 }
 
 TEST_F(MeasurementServerTest, ReplyInPiecesComesWholeInTheEnd) {
