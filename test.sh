@@ -32,7 +32,7 @@ packaging/install-build-packages.sh
 cores=$(nproc)
 unit_jobs=$((cores * 3))
 system_jobs=$((cores * 8))
-fault_jobs=$((cores * 4)) # many of the faults are about the 50 ms that the program gives the server
+fault_jobs=$((cores * 6)) # many of the faults are about the 50 ms that the program gives the server
 fuzz_seconds=60
 soak_time=2m
 
