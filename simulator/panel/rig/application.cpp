@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <utility>
 
 namespace panel {
 
@@ -39,9 +38,7 @@ bool Application::start() {
     for (const auto& [name, value] : m_launch.variables) {
         environment.insert(QString::fromStdString(name), QString::fromLocal8Bit(value.c_str()));
     }
-    auto process = std::make_unique<BoundProcess>();
-    process->setProcessor(m_processor);
-    m_process = std::move(process);
+    m_process = std::make_unique<BoundProcess>(m_processor);
     m_process->setProcessEnvironment(environment);
     m_process->setInputChannelMode(QProcess::ForwardedInputChannel);
     QObject::connect(m_process.get(), &QProcess::readyReadStandardOutput, this,

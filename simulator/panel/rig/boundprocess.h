@@ -10,13 +10,11 @@
 
 namespace panel {
 
-// A child that the kernel kills when we die, whatever kills us.
+// A child that the kernel kills when we die, whatever kills us. It runs on `processor`, if one is
+// given.
 class BoundProcess : public QProcess {
 public:
-    using QProcess::QProcess;
-
-    // From the next start on.
-    void setProcessor(SharedProcessor processor) { m_processor = processor; }
+    explicit BoundProcess(SharedProcessor processor = {}) : m_processor(processor) {}
 
 protected:
     // Runs in the child between fork and exec.
@@ -33,7 +31,7 @@ protected:
 
 private:
     const pid_t m_parent = getpid();
-    SharedProcessor m_processor;
+    const SharedProcessor m_processor;
 };
 
 } // namespace panel

@@ -112,13 +112,14 @@ def still_broken(screen):
 
 
 def seen_lines(screen, seen):
+    if seen == "zero":
+        return SHOWS_ZERO[screen]
     old, new, _ = SHOWS.get(screen, ("", "", ""))
     return {
         "all": f"wait text {new}\n",
         "last": f"expect text {old}\n",
         "dark": 'expect no-text "*"\n',
         "wait": 'expect text "Please wait"\n',
-        "zero": SHOWS_ZERO.get(screen, ""),
     }.get(seen, "")
 
 
